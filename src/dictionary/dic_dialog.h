@@ -1,0 +1,27 @@
+#pragma once
+
+#include "dic_dialog_base.h"
+
+/// Shows a subtitle line, lets the user mark a word in it and has the dictionary program look it up.
+///
+/// Made for one look-up and run by exec(); the owner puts the line into m_SubtitleEdit before. GUI thread only.
+class DicDialog : public DicDialogBase
+{
+    Q_OBJECT
+
+public:
+    explicit DicDialog(QWidget* parent = nullptr, const char* name = nullptr, bool modal = true,
+                       unsigned int flags = 0x200010);
+
+public slots:
+    /// Starts the dictionary program, or brings it forward, and asks it for the marked word; nothing when no word is
+    /// marked.
+    ///
+    /// Waits until the program listens, 15 seconds at most, and blocks the GUI thread meanwhile, so that the question
+    /// cannot be sent too early. It is sent even if the program never listened, and is lost then. The dialog stays
+    /// open.
+    void search();
+
+private:
+    void initTextBox();
+};
