@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+/// What a list of files shows of one film.
+struct MediaSummary {
+    QString type;              ///< the container's name as MediaPlayer::get_info("container", "name") gives it
+    long long duration_ms = 0; ///< 0 when unknown
+};
+
+/// Looks into a file just far enough for its type and length. Any thread; does not disturb a MediaPlayer.
+///
+/// @param limit_ms how long it may take.
+/// @return nothing for what is not a film, or when the limit passed.
+std::optional<MediaSummary> probe_media(const QString& path, int limit_ms = 500);
