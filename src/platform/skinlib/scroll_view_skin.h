@@ -1,5 +1,7 @@
 #pragma once
 
+#include "background_pixmap.h"
+
 #include <QtGui/QImage>
 #include <QtGui/QPixmap>
 #include <QtWidgets/QWidget>
@@ -19,7 +21,7 @@ public:
 
     /// The background, alpha included; it replaces what is under the view. Null: the parent shows through.
     void setBackgroundPixmap(const QPixmap& pixmap);
-    const QPixmap& backgroundPixmap() const { return m_background; }
+    const QPixmap& backgroundPixmap() const { return m_background.pixmap(); }
 
     /// The part of the view that shows contents, in pixels (the rest is the scroll bar).
     int visibleWidth() const;
@@ -71,10 +73,9 @@ private:
 
     void read_layout();
     void draw_scroll_bar(QPainter* painter) const;
-    int bar_width() const;
     void drag_handle(int y);
 
-    QPixmap m_background;
+    BackgroundPixmap m_background;
     QImage m_bar_track;
     QImage m_bar_handle;
     int m_bar_width;
@@ -82,7 +83,8 @@ private:
     int m_steps = 0;
     int m_first = 0;
     int m_suspended = 0;
-    int m_wheel_angle = 0; // eighths of a degree that have not made a step yet
+    bool m_repaint_wanted = false; // something changed while repainting was suspended
+    int m_wheel_angle = 0;         // eighths of a degree that have not made a step yet
     Hold m_hold = Hold::None;
     QPoint m_press_position;
     int m_press_first = 0; // the first step when the press began

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "background_pixmap.h"
 #include "skin_button.h"
 
 #include <QtCore/QMap>
@@ -81,7 +82,7 @@ public:
     /// The background as the skin has it (Format_ARGB32), null without one.
     const QImage& backgroundImage() const { return m_background_image; }
     /// The background as it is shown.
-    const QPixmap& backgroundPixmap() const { return m_background; }
+    const QPixmap& backgroundPixmap() const { return m_background.pixmap(); }
 
 signals:
     /// A button was pressed and released. @p panel is the sender, @p name the button's name (or a command made of it).
@@ -127,7 +128,7 @@ private:
     QString m_key_press;     // the button held by a key; empty without one
     QString m_pointer_press; // the button held by the pointer; empty without one
     QImage m_background_image;
-    QPixmap m_background;
+    BackgroundPixmap m_background;
     unsigned char m_alpha_override = 255;
     bool m_pressed = false;
     bool m_images_stale = true;

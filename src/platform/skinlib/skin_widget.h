@@ -1,5 +1,7 @@
 #pragma once
 
+#include "background_pixmap.h"
+
 #include <QtGui/QImage>
 #include <QtGui/QPixmap>
 #include <QtWidgets/QWidget>
@@ -25,7 +27,7 @@ public:
     virtual void setAlphaOverride(unsigned char alpha);
 
     unsigned char alphaOverride() const { return m_alpha_override; }
-    const QPixmap& backgroundPixmap() const { return m_background; }
+    const QPixmap& backgroundPixmap() const { return m_background.pixmap(); }
 
 protected:
     /// Paints the background, then draw() with the alpha applied.
@@ -35,6 +37,6 @@ protected:
 
 private:
     QImage m_background_image;
-    QPixmap m_background;
+    BackgroundPixmap m_background;
     unsigned char m_alpha_override = 255;
 };

@@ -29,7 +29,6 @@ protected:
 
 private:
     void read_layout();
-    int digits_width() const;
 
     QString m_text;
     QImage m_digits; // eleven cells of one width: 0 to 9 and the colon
