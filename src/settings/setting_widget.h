@@ -6,8 +6,18 @@
 #include <QtCore/QMap>
 #include <QtGui/QColor>
 
+#include <span>
+#include <vector>
+
 class MediaPlayer;
 class SubtitleControl;
+struct Subtitle;
+
+namespace setting_tables
+{
+struct Choice;
+struct FileRow;
+} // namespace setting_tables
 
 /// The user's settings: the store, its file and the dialog in which they are changed.
 ///
@@ -164,6 +174,18 @@ private:
     void init_string_table();
     void init_widgets();
     void connect_signals();
+    void place_preview();
+    void show_color(QLabel* label, int value);
+
+    int value_of(const QComboBox* combo, std::span<const setting_tables::Choice> choices, const char* getter,
+                 int fallback) const;
+
+    int stored_value(const setting_tables::FileRow& row) const;
+    void apply_stored_value(const setting_tables::FileRow& row, int value);
+    void store_track(const char* group, const QComboBox* combo);
+    void reset_combos(Page page);
+    void show_shift(int tenths);
+
     void send_change_signals();
     void send_change(ChangeCode code);
 
@@ -171,6 +193,8 @@ private:
     QString file_name_;
     SubtitleControl* preview_ = nullptr;
     MediaPlayer* player_ = nullptr;
+    /// The list that SubtitlesChanged was sent for last; compared only, never looked into.
+    const std::vector<Subtitle>* reported_list_ = nullptr;
     int volume_ = 0;
     bool playing_ = false;
 };
