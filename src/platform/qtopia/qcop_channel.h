@@ -33,6 +33,10 @@ public:
 
     QCString channel() const { return channel_; }
 
+    /// Whether no other program has had the channel open for longer than this one. Asks the bus and waits a second at
+    /// most.
+    bool is_first() const;
+
     /// Whether any program, this one included, has @p channel open. Asks the bus and waits a second at most.
     static bool isRegistered(const QCString& channel);
 

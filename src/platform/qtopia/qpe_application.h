@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QApplication>
+#include <QPointer>
 #include <QStringList>
 #include <memory>
 
@@ -24,6 +25,9 @@ public:
     /// user's that is filled on first use. Holds "pics/" (skins), "etc/" (lists) and "bin/" (programs).
     static QString qpeDir();
 
+    /// Runs the event loop, and first has the files of the command line sent to the player's channel.
+    static int exec();
+
     /// Makes the GUI thread look at its posted events. May be called on any thread, also without an application object.
     static void wakeUpGuiThread();
 
@@ -44,10 +48,12 @@ signals:
 private:
     void take_signals();
     void read_signals();
+    void request_close();
     void receive_system_message(const QByteArray& message, const QByteArray& data);
-    void hand_over_or_stay(const QStringList& files);
+    void hand_over_or_stay();
 
-    QWidget* main_widget_ = nullptr;
+    QPointer<QWidget> main_widget_;
+    QStringList files_; // to be opened once exec() runs
     std::unique_ptr<QSocketNotifier> signal_notifier_;
     std::unique_ptr<QCopChannel> instance_channel_;
     std::unique_ptr<QCopChannel> system_channel_;

@@ -1,0 +1,92 @@
+#include "screen_saver_hold.h"
+
+#include "qcop_bus.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+namespace
+{
+
+constexpr char service[] = "org.freedesktop.ScreenSaver";
+constexpr char path[] = "/org/freedesktop/ScreenSaver";
+
+QDBusMessage call_of(const char* operation)
+{
+    return QDBusMessage::createMethodCall(QLatin1String(service), QLatin1String(path), QLatin1String(service),
+                                          QLatin1String(operation));
+}
+
+} // namespace
+
+ScreenSaverHold::ScreenSaverHold(QObject* parent) : QObject(parent), connection_(QCopBus::session_bus())
+{
+    if (!connection_.isConnected())
+        return;
+    // A screen saver that is started anew knows nothing of what the old one was asked.
+    watcher_.setConnection(connection_);
+    watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& new_owner) {
+                grant_ = Grant::None;
+                if (wanted_ && !new_owner.isEmpty())
+                    ask();
+            });
+    watcher_.addWatchedService(QLatin1String(service));
+}
+
+ScreenSaverHold::~ScreenSaverHold()
+{
+    release();
+}
+
+void ScreenSaverHold::hold()
+{
+    wanted_ = true;
+    if (grant_ == Grant::None)
+        ask();
+}
+
+void ScreenSaverHold::release()
+{
+    wanted_ = false;
+    if (grant_ == Grant::Given)
+        give_back();
+}
+
+void ScreenSaverHold::ask()
+{
+    if (!connection_.isConnected())
+        return;
+    grant_ = Grant::Asked;
+    QDBusMessage call = call_of("Inhibit");
+    call << QStringLiteral("tavel_video") << tr("Playing a video");
+    auto* const watcher = new QDBusPendingCallWatcher(connection_.asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, &ScreenSaverHold::answered);
+}
+
+void ScreenSaverHold::answered(QDBusPendingCallWatcher* watcher)
+{
+    watcher->deleteLater();
+    const QDBusPendingReply<uint> reply = *watcher;
+    if (reply.isError()) {
+        grant_ = Grant::None;
+        if (!refusal_reported_)
+            qInfo("the screen saver cannot be held off: %s", qUtf8Printable(reply.error().message()));
+        refusal_reported_ = true;
+        return;
+    }
+    grant_ = Grant::Given;
+    cookie_ = reply.value();
+    if (!wanted_)
+        give_back();
+}
+
+void ScreenSaverHold::give_back()
+{
+    grant_ = Grant::None;
+    QDBusMessage call = call_of("UnInhibit");
+    call << cookie_;
+    connection_.send(call);
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QObject>
+
+class QDBusPendingCallWatcher;
+
+/// Holds off the desktop's screen saver and screen blanking (org.freedesktop.ScreenSaver).
+///
+/// The screen saver lets go by itself when this program ends in any way. Never waits; GUI thread.
+class ScreenSaverHold : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ScreenSaverHold(QObject* parent = nullptr);
+    ~ScreenSaverHold() override;
+
+    /// Holds it off until release(); more calls change nothing.
+    void hold();
+    void release();
+    bool is_held() const { return wanted_; }
+
+private:
+    enum class Grant {
+        None = 0,
+        Asked = 1,
+        Given = 2,
+    };
+
+    void ask();
+    void answered(QDBusPendingCallWatcher* watcher);
+    void give_back();
+
+    QDBusConnection connection_;
+    QDBusServiceWatcher watcher_;
+    bool wanted_ = false;
+    Grant grant_ = Grant::None;
+    uint cookie_ = 0;
+    bool refusal_reported_ = false;
+};
