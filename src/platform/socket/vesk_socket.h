@@ -63,4 +63,5 @@ private:
     Limits limits_;
     std::function<bool(const QTcpSocket&)> peer_check_;
     std::vector<std::unique_ptr<VeskPeer>> peers_;
+    bool turned_away_ = false; // said, and nobody was let in since
 };
