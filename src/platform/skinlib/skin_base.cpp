@@ -26,6 +26,9 @@ constexpr StateImage state_images[] = {
     {SkinButton::State::Disabled, "_disable"},
 };
 
+// More buttons than any screen holds; a damaged layout may name as many as fit into a file.
+constexpr qsizetype most_buttons = 256;
+
 bool is_press_key(int key)
 {
     return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Select || key == Qt::Key_Space;
@@ -55,6 +58,8 @@ void SkinBase::do_configloading(QString group)
 
     remove_buttons();
     for (const QString& name : layout.words(QStringLiteral("buttons"))) {
+        if (m_order.size() == most_buttons)
+            break;
         if (m_buttons.contains(name))
             continue;
         auto* button = new SkinButton(name, QPoint(layout.position(name + QLatin1String("_xpos")),

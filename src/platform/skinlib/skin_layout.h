@@ -19,7 +19,7 @@ QString directory(const QWidget* widget);
 QString file(const QWidget* widget);
 
 /// Longest side, in pixels, of a picture that is still taken for one. Larger ones count as unreadable.
-constexpr int largest_side = 4096;
+constexpr int largest_side = 2048;
 
 /// Reads a picture as Format_ARGB32.
 /// @return a null image, without a message, when @p path is empty, missing, damaged or larger than largest_side.
