@@ -1,0 +1,15 @@
+#include "qpe_application.h"
+#include "tavel_video.h"
+
+#include <memory>
+
+int main(int argc, char** argv)
+{
+    QPEApplication application(argc, argv);
+    const auto window = std::make_unique<TavelVideo>(nullptr, "tavel_video", 16);
+    application.showMainWidget(window.get());
+    QObject::connect(&application, SIGNAL(flush()), window.get(), SLOT(flush_slot()));
+    QObject::connect(&application, SIGNAL(reload()), window.get(), SLOT(reload_slot()));
+    QPEApplication::exec();
+    return 0;
+}

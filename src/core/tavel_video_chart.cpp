@@ -1,0 +1,1080 @@
+#include "tavel_video.h"
+
+#include "bookmark_widget.h"
+#include "control_skin.h"
+#include "custom_event.h"
+#include "device_screen.h"
+#include "global.h"
+#include "main_title.h"
+#include "media_player.h"
+#include "osd_control.h"
+#include "play_list_widget.h"
+#include "qpe_application.h"
+#include "subtitle_control.h"
+#include "time_widget.h"
+#include "title_skin.h"
+#include "vesk_socket.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QLoggingCategory>
+#include <QtWidgets/QApplication>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+
+namespace
+{
+
+Q_LOGGING_CATEGORY(chart_log, "tavel.chart", QtWarningMsg)
+
+/// How long one step of the wait for other players takes.
+constexpr int POLL_INTERVAL_US = 10000;
+constexpr int SETTLE_INTERVAL_US = 10;
+constexpr int SCAN_RATE = 3;
+constexpr Time LEAST_REPEAT_MS = 1000;
+
+/// The time bar while it scans in full screen, and at its own place.
+constexpr QPoint SCAN_BAR_PLACE(0, 262);
+constexpr QPoint TIME_BAR_PLACE(0, 192);
+
+/// The film beside the settings dialog.
+constexpr QRect LCD_PREVIEW(12, 64, 221, 126);
+constexpr QRect TV_PREVIEW(93, 162, 221, 126);
+
+/// The value of a custom event, or null.
+template<typename T> const T* data_of(const QEvent* e)
+{
+    const auto* const custom = dynamic_cast<const QCustomEvent*>(e);
+    return custom ? custom->data<T>() : nullptr;
+}
+
+struct StateName {
+    TavelHsm::State (TavelVideo::*state)(const QEvent*);
+    const char* name;
+};
+
+constexpr std::array<StateName, 13> STATE_NAMES{{
+    {&TavelVideo::exit_state, "exit_state"},
+    {&TavelVideo::video_player_state, "video_player_state"},
+    {&TavelVideo::get_file_state, "get_file_state"},
+    {&TavelVideo::no_file_state, "no_file_state"},
+    {&TavelVideo::file_parsed_state, "file_parsed_state"},
+    {&TavelVideo::stop_state, "stop_state"},
+    {&TavelVideo::file_loaded_state, "file_loaded_state"},
+    {&TavelVideo::streaming_state, "streaming_state"},
+    {&TavelVideo::play_state, "play_state"},
+    {&TavelVideo::pause_state, "pause_state"},
+    {&TavelVideo::speed_playing_state, "speed_playing_state"},
+    {&TavelVideo::seeking_state, "seeking_state"},
+    {&TavelVideo::end_of_stream_state, "end_of_stream_state"},
+}};
+
+const char* name_of(const TavelHsm::State& state)
+{
+    const auto row = std::find_if(STATE_NAMES.begin(), STATE_NAMES.end(),
+                                  [&](const StateName& each) { return TavelHsm::State(each.state) == state; });
+    return row == STATE_NAMES.end() ? "top" : row->name;
+}
+
+} // namespace
+
+TavelHsm::Tran TavelVideo::seek_return_;
+
+void TavelVideo::forget_seek_return()
+{
+    seek_return_ = Tran();
+}
+
+/// Takes a transition and leaves one line in the trace.
+void TavelVideo::go(Tran* tran, State target)
+{
+    const State from = myState;
+    tranStat(tran, target);
+    qCDebug(chart_log, "%d: %s -> %s", event_number_, name_of(from), name_of(myState));
+}
+
+// ---------------------------------------------------------------- the states
+
+TavelVideo::State TavelVideo::initial(const QEvent*)
+{
+    repeat_mode_ = 0;
+    reset_repeatAB();
+    index_ = -1;
+    start_position_ms_ = 0;
+    control_bar_->showFocus(QStringLiteral("play"));
+    control_bar_->hideButton(QStringLiteral("pause"));
+    control_bar_->disableButton(QStringLiteral("stop"));
+    control_bar_->disableButton(QStringLiteral("pageup"));
+    control_bar_->disableButton(QStringLiteral("pagedown"));
+    bookmarks_->hide();
+    file_manager_->hide();
+    time_bar_->set_disable();
+    playlist_->hide();
+    playlist_->update_now_playing(false);
+    control_bar_->showFocus(QStringLiteral("play"));
+    myState = &TavelVideo::video_player_state;
+    return State();
+}
+
+TavelVideo::State TavelVideo::exit_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case entry_event:
+        QApplication::quit();
+        return State();
+    default:
+        break;
+    }
+    return &TavelVideo::top;
+}
+
+TavelVideo::State TavelVideo::video_player_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case init_event:
+        myState = &TavelVideo::get_file_state;
+        return State();
+    case entry_event:
+        if (!media_player_) {
+            media_player_ = new MediaPlayer(&callbacks_);
+            media_player_->set_subtitles_ready_hook(
+                [this] { post_report(player_event::reload_subtitles, file_number_); });
+        }
+        return State();
+    case exit_event:
+        if (media_player_) {
+            media_player_->set_subtitles_ready_hook({});
+            media_player_->release();
+            delete media_player_;
+            media_player_ = nullptr;
+        }
+        return State();
+    case player_event::open_browser:
+        leave_full_screen();
+        file_manager_->show();
+        DeviceScreen::instance()->raise_window(file_manager_);
+        DeviceScreen::instance()->activate(file_manager_);
+        file_manager_->setFocus();
+        browser_open_ = true;
+        return State();
+    case player_event::open_settings:
+        leave_full_screen();
+        media_player_->set_aspect(static_cast<int>(AspectMode::Fill));
+        place_settings_preview();
+        settings_->show();
+        DeviceScreen::instance()->raise_window(settings_);
+        DeviceScreen::instance()->activate(settings_);
+        settings_->setFocus();
+        settings_open_ = true;
+        return State();
+    case player_event::settings_closed:
+        settings_open_ = false;
+        return State();
+    case player_event::close:
+    case player_event::flush: {
+        close_application();
+        // Leaving the loaded file sets the position to 0; what is saved at the end is where the viewer was.
+        const Time position = position_;
+        static Tran tran;
+        go(&tran, &TavelVideo::exit_state);
+        position_ = position;
+        return State();
+    }
+    case player_event::load: {
+        choose_entry(e);
+        if (playlist_->get_filename(index_).isEmpty()) {
+            static Tran tran;
+            go(&tran, &TavelVideo::no_file_state);
+        } else {
+            static Tran tran;
+            go(&tran, &TavelVideo::file_parsed_state);
+        }
+        return State();
+    }
+    case player_event::load_and_play: {
+        choose_entry(e);
+        if (playlist_->get_filename(index_).isEmpty()) {
+            static Tran tran;
+            go(&tran, &TavelVideo::no_file_state);
+        } else {
+            static Tran tran;
+            go(&tran, &TavelVideo::file_loaded_state);
+        }
+        return State();
+    }
+    case player_event::mute:
+        control_bar_->set_mute(!control_bar_->get_mute());
+        return State();
+    case player_event::refresh_buttons:
+        update_buttons();
+        return State();
+    default:
+        break;
+    }
+    return &TavelVideo::top;
+}
+
+TavelVideo::State TavelVideo::get_file_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case entry_event:
+        if (playlist_->get_now_playing() != -1)
+            playlist_->load_now_playing();
+        else
+            play_event(-1, 0);
+        return State();
+    case exit_event:
+        return State();
+    default:
+        break;
+    }
+    return &TavelVideo::video_player_state;
+}
+
+TavelVideo::State TavelVideo::no_file_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case entry_event:
+        enter_no_file();
+        return State();
+    case exit_event:
+        return State();
+    case player_event::reload:
+        post(player_event::load);
+        return State();
+    default:
+        break;
+    }
+    return &TavelVideo::video_player_state;
+}
+
+TavelVideo::State TavelVideo::file_parsed_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case init_event:
+        myState = &TavelVideo::stop_state;
+        return State();
+    case entry_event:
+        enter_file_parsed();
+        return State();
+    case exit_event:
+        exit_file_parsed();
+        return State();
+    case player_event::engine_error:
+        show_playback_failure();
+        return State();
+    case player_event::close_file: {
+        static Tran tran;
+        go(&tran, &TavelVideo::get_file_state);
+        return State();
+    }
+    case player_event::unload: {
+        static Tran tran;
+        go(&tran, &TavelVideo::no_file_state);
+        return State();
+    }
+    default:
+        break;
+    }
+    return &TavelVideo::video_player_state;
+}
+
+TavelVideo::State TavelVideo::stop_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case entry_event:
+        enter_stop();
+        return State();
+    case exit_event:
+        return State();
+    case player_event::play:
+        if (QFile::exists(playlist_->get_filename(playlist_->get_now_playing()))) {
+            static Tran tran;
+            go(&tran, &TavelVideo::file_loaded_state);
+        } else {
+            post_failure();
+        }
+        return State();
+    case player_event::stop:
+        answer_socket();
+        break;
+    case player_event::seek:
+        if (const auto* const request = data_of<player_event::SeekRequest>(e)) {
+            position_ = clamped(request->target_ms);
+            start_position_ms_ = static_cast<unsigned int>(position_);
+            time_bar_->set_slidervalue(static_cast<unsigned int>(position_ / 1000));
+        }
+        return State();
+    default:
+        break;
+    }
+    return &TavelVideo::file_parsed_state;
+}
+
+TavelVideo::State TavelVideo::file_loaded_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case entry_event:
+        enter_file_loaded();
+        return State();
+    case exit_event:
+        exit_file_loaded();
+        return State();
+    case player_event::wait_for_players:
+        wait_for_players(dynamic_cast<const QCustomEvent*>(e));
+        return State();
+    case player_event::start_loaded:
+        post(player_event::play);
+        return State();
+    case player_event::play:
+        if (!load_movie()) {
+            static Tran tran;
+            go(&tran, &TavelVideo::stop_state);
+            return State();
+        }
+        show_loaded_film();
+        {
+            static Tran tran;
+            go(&tran, &TavelVideo::play_state);
+        }
+        announce_loaded_film();
+        return State();
+    case player_event::pause:
+    case player_event::stop:
+        if (!is_waiting_to_start())
+            break;
+        keep_for_later(e);
+        return State();
+    case player_event::load:
+        return State();
+    case player_event::leave_full_screen:
+        leave_full_screen();
+        return State();
+    case player_event::audio_track:
+        media_player_->select_stream(static_cast<int>(StreamKind::Audio),
+                                     static_cast<int>(settings_->get_audio_track()));
+        return State();
+    case player_event::replay:
+        play_event(playlist_->get_now_playing(), static_cast<unsigned int>(position_));
+        return State();
+    case player_event::reload_subtitles:
+        reload_subtitles();
+        return State();
+    case player_event::reset_display:
+        reset_display();
+        return State();
+    case player_event::picture_colour:
+        set_colours();
+        return State();
+    case player_event::unload:
+        start_position_ms_ = static_cast<unsigned int>(position_);
+        break;
+    case player_event::stream_started:
+        // A line that was shown before would not be shown again.
+        select_subtitles();
+        redraw_subtitles();
+        break;
+    default:
+        break;
+    }
+    return &TavelVideo::file_parsed_state;
+}
+
+TavelVideo::State TavelVideo::streaming_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case entry_event:
+        return State();
+    case exit_event:
+        history_ = myState;
+        return State();
+    case player_event::stop: {
+        static Tran tran;
+        go(&tran, &TavelVideo::stop_state);
+        reopen_after_stop();
+        return State();
+    }
+    case player_event::seek:
+        if (const auto* const request = data_of<player_event::SeekRequest>(e)) {
+            seek_request_ = *request;
+            static Tran tran;
+            go(&tran, &TavelVideo::seeking_state);
+        }
+        return State();
+    case player_event::close:
+        break;
+    case player_event::add_bookmark:
+        if (bookmark_position())
+            return State();
+        break;
+    case player_event::repeat_ab:
+        if (settings_->get_repeatab_enabled() && seek_allowed_)
+            step_repeat();
+        return State();
+    case player_event::enter_full_screen:
+        if (!settings_->isVisible() && !file_manager_->isVisible())
+            enter_full_screen();
+        return State();
+    case player_event::end_of_stream: {
+        static Tran tran;
+        go(&tran, &TavelVideo::end_of_stream_state);
+        return State();
+    }
+    default:
+        break;
+    }
+    return &TavelVideo::file_loaded_state;
+}
+
+TavelVideo::State TavelVideo::play_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case entry_event:
+        settings_->set_playing(true);
+        return State();
+    case exit_event:
+        settings_->set_playing(false);
+        return State();
+    case player_event::play:
+        return State();
+    case player_event::pause:
+        if (media_player_->pause() != rask::ok) {
+            post_failure();
+            return State();
+        }
+        display_information(text(TavelVideoString::Pause));
+        {
+            static Tran tran;
+            go(&tran, &TavelVideo::pause_state);
+        }
+        show_play_button();
+        return State();
+    case player_event::speed_down:
+        set_speed(SpeedCode::Down);
+        return State();
+    case player_event::speed_normal:
+        set_speed(SpeedCode::Normal);
+        return State();
+    case player_event::speed_up:
+        set_speed(SpeedCode::Up);
+        return State();
+    case player_event::scan_forward:
+    case player_event::scan_back:
+        if (begin_scan(static_cast<int>(e->type()) == player_event::scan_forward)) {
+            static Tran tran;
+            go(&tran, &TavelVideo::speed_playing_state);
+        }
+        return State();
+    default:
+        break;
+    }
+    return &TavelVideo::streaming_state;
+}
+
+TavelVideo::State TavelVideo::pause_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case entry_event:
+        if (settings_->get_privacy_on()) {
+            set_picture_plane(false);
+            hidden_for_privacy_ = true;
+        }
+        enableLCDOff(true);
+        answer_socket();
+        reset_volume();
+        return State();
+    case exit_event:
+        // The setting may have been changed since the picture was hidden.
+        if (settings_->get_privacy_on() || hidden_for_privacy_)
+            set_picture_plane(true);
+        hidden_for_privacy_ = false;
+        enableLCDOff(false);
+        apply_volume();
+        return State();
+    case player_event::play:
+        if (media_player_->play() != rask::ok) {
+            post_failure();
+            return State();
+        }
+        display_information(text(TavelVideoString::Play));
+        show_pause_button();
+        {
+            static Tran tran;
+            go(&tran, &TavelVideo::play_state);
+        }
+        return State();
+    default:
+        break;
+    }
+    return &TavelVideo::streaming_state;
+}
+
+TavelVideo::State TavelVideo::speed_playing_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case entry_event:
+        enter_speed_playing();
+        return State();
+    case exit_event:
+        exit_speed_playing();
+        return State();
+    case player_event::seek:
+        return State();
+    case player_event::play:
+        if (resume_from_scan()) {
+            static Tran tran;
+            go(&tran, &TavelVideo::play_state);
+        }
+        return State();
+    case player_event::pause:
+    case player_event::open_browser:
+    case player_event::open_settings:
+    case player_event::leave_full_screen:
+        if (resume_from_scan()) {
+            post(e->type());
+            static Tran tran;
+            go(&tran, &TavelVideo::play_state);
+        }
+        return State();
+    case player_event::end_of_stream:
+        if (scan_mode_ == SettingWidget::TrickMode::SeekBarOnly)
+            return State();
+        break;
+    default:
+        break;
+    }
+    return &TavelVideo::streaming_state;
+}
+
+TavelVideo::State TavelVideo::seeking_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case entry_event:
+        enter_seeking();
+        return State();
+    case exit_event:
+        seeking_ = false;
+        return State();
+    case player_event::stream_started:
+        select_subtitles();
+        redraw_subtitles();
+        // One record for all targets: every later seek returns to where the first one did.
+        go(&seek_return_, history_);
+        settle_after_seek();
+        post_kept();
+        return State();
+    case player_event::pause:
+    case player_event::stop:
+    case player_event::seek:
+        keep_for_later(e);
+        return State();
+    case player_event::play:
+        start_position_ms_ = static_cast<unsigned int>(clamped(seek_request_.target_ms));
+        kept_.clear();
+        break;
+    default:
+        break;
+    }
+    return &TavelVideo::file_loaded_state;
+}
+
+TavelVideo::State TavelVideo::end_of_stream_state(const QEvent* e)
+{
+    switch (static_cast<int>(e->type())) {
+    case entry_event:
+    case exit_event:
+        return State();
+    case player_event::engine_stopped:
+    case player_event::end_of_stream: {
+        choose_after_end();
+        static Tran tran;
+        go(&tran, &TavelVideo::stop_state);
+        return State();
+    }
+    default:
+        break;
+    }
+    return &TavelVideo::file_loaded_state;
+}
+
+// ---------------------------------------------------------------- their work
+
+void TavelVideo::close_application()
+{
+    close_in_engine();
+    switch_spdif_off();
+    settings_->set_volume(static_cast<int>(control_bar_->get_volume()));
+    settings_->save_settings();
+    settings_->clear_information();
+}
+
+/// The entry is stored when it is acted on, so that a request that nobody took changes nothing.
+void TavelVideo::choose_entry(const QEvent* e)
+{
+    if (const auto* const request = data_of<player_event::EntryRequest>(e)) {
+        index_ = request->index;
+        start_position_ms_ = request->position_ms;
+    }
+}
+
+void TavelVideo::enter_no_file()
+{
+    control_bar_->showFocus(QStringLiteral("open"));
+    disable_playback_buttons();
+    title_bar_->set_filename(QString());
+    close_subtitles();
+    time_bar_->set_slidervalue(0);
+    settings_->clear_information();
+}
+
+void TavelVideo::enter_file_parsed()
+{
+    ++chosen_file_;
+    failure_handled_ = false;
+    const QString file = playlist_->get_filename(index_);
+    opened_file_ = file;
+    if (playlist_->get_current_index() == -1) {
+        const QScopedValueRollback quiet(quiet_cursor_, true);
+        playlist_->set_current_index(playlist_->get_now_playing());
+    }
+    playlist_->set_now_playing(index_);
+    playlist_->update_now_playing(true);
+    playlist_->save_now_playing(start_position_ms_);
+    if (!playlist_->can_entry()) {
+        playlist_->remove_now_playing();
+        playlist_->save_now_playing(0);
+        show_notice(text(TavelVideoString::SystemError));
+        post(player_event::stop);
+        return;
+    }
+    playlist_->start_entry();
+    if (open_in_engine(file) != rask::ok) {
+        playlist_->set_now_playing(index_);
+        post_failure();
+        return;
+    }
+    if (media_player_->has_info("video"))
+        describe_parsed_file(file);
+}
+
+void TavelVideo::describe_parsed_file(const QString& file)
+{
+    title_bar_->set_filename(file.section(u'/', -1));
+    seek_allowed_ = media_player_->get_info("container", "name") != QLatin1String("MPEG");
+    if (seek_allowed_) {
+        time_bar_->set_enable();
+    } else {
+        time_bar_->set_disable();
+        start_position_ms_ = 0;
+    }
+    total_ms_ = media_player_->get_info("video", "time").toLongLong();
+    time_bar_->set_totaltime(static_cast<unsigned int>(total_ms_ / 1000));
+    time_bar_->set_slidervalue(start_position_ms_ / 1000);
+    settings_->set_player(media_player_);
+    settings_->update_information();
+    draw_media_info(QString());
+    playlist_->save_now_playing(start_position_ms_);
+    position_ = start_position_ms_;
+    switch_spdif_off();
+}
+
+void TavelVideo::exit_file_parsed()
+{
+    playlist_->update_now_playing(false);
+    settings_->set_player(nullptr);
+    close_in_engine();
+    settings_->clear_information();
+    close_subtitles();
+    time_bar_->set_disable();
+    playlist_->finish_entry();
+}
+
+/// The file cannot be played: it goes out of the playlist, with a notice.
+void TavelVideo::show_playback_failure()
+{
+    const bool exists = QFile::exists(playlist_->get_filename(playlist_->get_now_playing()));
+    playlist_->remove_now_playing();
+    playlist_->save_now_playing(0);
+    position_ = 0;
+    start_position_ms_ = 0;
+    time_bar_->set_slidervalue(0);
+    show_notice(text(exists ? TavelVideoString::CannotExecuteFile : TavelVideoString::FileNotFound));
+}
+
+void TavelVideo::enter_stop()
+{
+    control_bar_->showFocus(QStringLiteral("play"));
+    control_bar_->disableButton(QStringLiteral("stop"));
+    control_bar_->hideButton(QStringLiteral("pause"));
+    close_subtitles();
+    answer_socket();
+}
+
+void TavelVideo::enter_file_loaded()
+{
+    ++load_number_;
+    started_ = false;
+    kept_.clear();
+    if (is_navi_activated()) {
+        post(player_event::close_file);
+        return;
+    }
+    if (!media_player_->has_info("video"))
+        return;
+    apply_volume();
+    send_screenchageapplet(true);
+    const bool controls_shown = !full_screen_;
+    enter_full_screen();
+    if (controls_shown)
+        show_loading_screen();
+    acknowledgements_ = 0;
+    stop_recipients_ = socket_->send(QStringLiteral("STOP"));
+    enableLCDOff(false);
+    std::printf("SEND STOP: %d\n", stop_recipients_);
+    post_custom_event(this, player_event::wait_for_players, player_event::LoadNumber{load_number_});
+}
+
+void TavelVideo::exit_file_loaded()
+{
+    ++load_number_;
+    kept_.clear();
+    loading_->hide();
+    set_picture_plane(false);
+    display_information(text(TavelVideoString::Stop));
+    const bool same_row = playlist_->get_filename(playlist_->get_now_playing()) == opened_file_;
+    playlist_->save_now_playing(same_row ? static_cast<unsigned int>(position_) : 0);
+    position_ = 0;
+    repeat_mode_ = 0;
+    reset_repeatAB();
+    time_bar_->set_slidervalue(0);
+    close_subtitles();
+    started_ = false;
+    if (tv_out_) {
+        controls_offset_ = 0;
+        move_controls(0);
+    }
+    leave_full_screen();
+    if (spdif_active_)
+        switch_spdif_off();
+    enableLCDOff(true);
+    reset_volume();
+    send_screenchageapplet(false);
+    const unsigned int status = close_in_engine();
+    // A report may have come until the file was closed.
+    position_ = 0;
+    if (status != rask::ok) {
+        std::printf("File Close Error = 0x%08X \n", status);
+        return;
+    }
+    settings_->clear_information();
+}
+
+/// One step of the wait; it has no limit, the player waits until every recipient has answered.
+void TavelVideo::wait_for_players(const QCustomEvent* event)
+{
+    Global::usleep(POLL_INTERVAL_US);
+    if (acknowledgements_ < stop_recipients_) {
+        post_custom_event(this, event->clone());
+        return;
+    }
+    acknowledgements_ = 0;
+    Global::usleep(SETTLE_INTERVAL_US);
+    reload_subtitles();
+    check_spdif();
+    post_custom_event(this, player_event::start_loaded, player_event::LoadNumber{load_number_});
+}
+
+/// The file is loaded but was not started: other players are still to fall silent.
+bool TavelVideo::is_waiting_to_start() const
+{
+    return !started_ && myState == State(&TavelVideo::file_loaded_state);
+}
+
+bool TavelVideo::load_movie()
+{
+    reset_display();
+    const QString file = playlist_->get_filename(playlist_->get_now_playing());
+    const QByteArray name = file.toUtf8();
+    subtitle_->set_subtitle(nullptr);
+    update_dictionary_button();
+    if (open_in_engine(file) != rask::ok) {
+        post_failure();
+        return false;
+    }
+    settings_->update_information();
+    if (media_player_->prepare(name.constData()) != rask::ok) {
+        post_failure();
+        return false;
+    }
+    const QSize output = output_size();
+    media_player_->set_video_window(0, 0, output.width(), output.height());
+    media_player_->set_aspect(settings_->get_aspect_ratio());
+    if (media_player_->play() != rask::ok) {
+        post_failure();
+        return false;
+    }
+    if (start_position_ms_ > 0 && seek_allowed_)
+        post_custom_event(this, player_event::seek,
+                          player_event::SeekRequest{SeekMode::Forward, 0, start_position_ms_, 0});
+    set_colours();
+    select_subtitles();
+    settings_->refresh_subtitle();
+    media_player_->select_stream(static_cast<int>(StreamKind::Audio), static_cast<int>(settings_->get_audio_track()));
+    return true;
+}
+
+/// Playback has begun: what is to be seen and heard from now on.
+void TavelVideo::show_loaded_film()
+{
+    // Nothing that waits for the other players may start the film once more.
+    ++load_number_;
+    set_picture_plane(true);
+    apply_volume();
+    playlist_->save_now_playing(start_position_ms_);
+    subtitle_->show();
+    show_pause_button();
+    control_bar_->showNormal(QStringLiteral("stop"));
+    control_bar_->showNormal(QStringLiteral("pageup"));
+    control_bar_->showNormal(QStringLiteral("pagedown"));
+}
+
+void TavelVideo::announce_loaded_film()
+{
+    loading_->hide();
+    start_position_ms_ = 0;
+    started_ = true;
+    post_kept();
+    show_resolution_warning();
+    if (spdif_active_)
+        show_notice(text(TavelVideoString::SpdifOut));
+}
+
+void TavelVideo::reopen_after_stop()
+{
+    if (open_in_engine(playlist_->get_filename(playlist_->get_now_playing())) != rask::ok) {
+        post_failure();
+        return;
+    }
+    settings_->update_information();
+    time_bar_->set_slidervalue(0);
+    position_ = 0;
+}
+
+/// @return false when the list is full.
+bool TavelVideo::bookmark_position()
+{
+    if (bookmarks_->get_count() >= BookmarkWidget::capacity) {
+        show_notice(text(TavelVideoString::BookmarkListFull));
+        return false;
+    }
+    add_bookmark(playlist_->get_filename(playlist_->get_now_playing()), static_cast<unsigned int>(position_ / 1000));
+    display_information(text(TavelVideoString::Bookmark));
+    return true;
+}
+
+/// A, then B, then neither.
+void TavelVideo::step_repeat()
+{
+    switch (repeat_mode_) {
+    case 0:
+        repeat_a_ = position_.load();
+        time_bar_->set_repeatA(static_cast<unsigned int>(repeat_a_ / 1000));
+        control_bar_->hideButton(QStringLiteral("repeatA"));
+        control_bar_->showFocus(QStringLiteral("repeatB"));
+        display_information(text(TavelVideoString::SetA));
+        repeat_mode_ = 1;
+        break;
+    case 1: {
+        const Time first = std::min<Time>(repeat_a_, position_);
+        const Time last = std::max<Time>(repeat_a_, position_);
+        repeat_a_ = first;
+        repeat_b_ = std::max(last, first + LEAST_REPEAT_MS);
+        past_b_ = false;
+        time_bar_->set_repeatA(static_cast<unsigned int>(repeat_a_ / 1000));
+        time_bar_->set_repeatB(static_cast<unsigned int>(repeat_b_ / 1000));
+        control_bar_->hideButton(QStringLiteral("repeatB"));
+        control_bar_->showFocus(QStringLiteral("repeatAB"));
+        display_information(text(TavelVideoString::SetB));
+        repeat_mode_ = 2;
+        break;
+    }
+    default:
+        repeat_mode_ = 0;
+        time_bar_->clear_repeatAB();
+        control_bar_->hideButton(QStringLiteral("repeatAB"));
+        control_bar_->showFocus(QStringLiteral("repeatA"));
+        display_information(text(TavelVideoString::ReleasedAB));
+        break;
+    }
+}
+
+void TavelVideo::set_colours()
+{
+    const std::array<std::int32_t, 3> colours{settings_->get_red_value(), settings_->get_green_value(),
+                                              settings_->get_blue_value()};
+    media_player_->set_parameter(static_cast<int>(Parameter::Colour), colours.data(), sizeof(colours));
+}
+
+void TavelVideo::set_speed(SpeedCode code)
+{
+    if (media_player_->set_speed(static_cast<int>(code)) == rask::ok)
+        draw_speed_info();
+}
+
+/// @return false when the engine refused.
+bool TavelVideo::begin_scan(bool forward)
+{
+    scan_mode_ = settings_->get_trick_mode();
+    scan_forward_ = forward;
+    if (scan_mode_ == SettingWidget::TrickMode::VideoKeyFrames) {
+        gate_.shut();
+        scan_watch_ = forward ? 1 : -1;
+        const unsigned int status =
+            forward ? media_player_->scan_forward(SCAN_RATE) : media_player_->scan_backward(SCAN_RATE);
+        if (status != rask::ok) {
+            scan_watch_ = 0;
+            post_failure();
+            post_held_back(gate_.open());
+            return false;
+        }
+    } else {
+        seeking_ = true;
+    }
+    display_information(text(forward ? TavelVideoString::FastForward : TavelVideoString::FastRewind));
+    show_play_button();
+    return true;
+}
+
+void TavelVideo::enter_speed_playing()
+{
+    enter_full_screen();
+    if (scan_mode_ != SettingWidget::TrickMode::SeekBarOnly)
+        return;
+    time_bar_->set_disable();
+    time_bar_->move(SCAN_BAR_PLACE);
+    time_bar_->show();
+    // Disabling the bar has put it to 0.
+    time_bar_->set_slidervalue(static_cast<unsigned int>(position_ / 1000));
+    if (scan_forward_)
+        time_bar_->start_forward_scan();
+    else
+        time_bar_->start_reverse_scan();
+}
+
+void TavelVideo::exit_speed_playing()
+{
+    scan_watch_ = 0;
+    seeking_ = false;
+    post_held_back(gate_.open());
+    if (scan_mode_ != SettingWidget::TrickMode::SeekBarOnly)
+        return;
+    if (time_bar_->scan_direction() != TimeWidget::ScanDirection::None)
+        time_bar_->cancel_scan();
+    time_bar_->set_enable();
+    time_bar_->setVisible(!full_screen_);
+    time_bar_->move(TIME_BAR_PLACE);
+    display_information(text(TavelVideoString::Play));
+}
+
+/// @return false when the engine refused to play on.
+bool TavelVideo::resume_from_scan()
+{
+    if (scan_mode_ == SettingWidget::TrickMode::VideoKeyFrames) {
+        if (media_player_->play() != rask::ok) {
+            post_failure();
+            return false;
+        }
+    } else {
+        time_bar_->end_scan();
+    }
+    show_pause_button();
+    return true;
+}
+
+/// Keeps a copy of a request until playback goes on; of seeks only the newest.
+void TavelVideo::keep_for_later(const QEvent* e)
+{
+    const auto* const event = dynamic_cast<const QCustomEvent*>(e);
+    if (!event)
+        return;
+    if (static_cast<int>(e->type()) == player_event::seek)
+        std::erase_if(kept_, [](const auto& each) { return static_cast<int>(each->type()) == player_event::seek; });
+    kept_.emplace_back(event->clone());
+}
+
+void TavelVideo::post_kept()
+{
+    for (auto& event : std::exchange(kept_, {}))
+        post_custom_event(this, event.release());
+}
+
+void TavelVideo::enter_seeking()
+{
+    seeking_ = true;
+    if (media_player_->seek(seek_request_.mode, clamped(seek_request_.target_ms)) != rask::ok)
+        post_failure();
+}
+
+/// The state reached need not be the one that was left: brings engine and buttons in line with it.
+void TavelVideo::settle_after_seek()
+{
+    if (isIn(&TavelVideo::pause_state)) {
+        media_player_->pause();
+        show_play_button();
+    } else if (isIn(&TavelVideo::play_state)) {
+        media_player_->play();
+        show_pause_button();
+    }
+}
+
+void TavelVideo::choose_after_end()
+{
+    position_ = 0;
+    playlist_->save_now_playing(0);
+    if (settings_->isVisible() || file_manager_->isVisible()) {
+        playlist_->load_now_playing();
+        return;
+    }
+    switch (settings_->get_after_eos()) {
+    case SettingWidget::AfterEos::PlayNextFile:
+        playlist_->play_next_file();
+        break;
+    case SettingWidget::AfterEos::RepeatCurrentFile:
+        playlist_->play_now_playing();
+        break;
+    case SettingWidget::AfterEos::Stop:
+        playlist_->load_now_playing();
+        break;
+    }
+}
+
+void TavelVideo::show_play_button()
+{
+    control_bar_->hideButton(QStringLiteral("pause"));
+    control_bar_->showFocus(QStringLiteral("play"));
+}
+
+void TavelVideo::show_pause_button()
+{
+    control_bar_->hideButton(QStringLiteral("play"));
+    control_bar_->showFocus(QStringLiteral("pause"));
+}
+
+/// The film in a small window beside the settings, visible if it was before.
+void TavelVideo::place_settings_preview()
+{
+    const bool picture_was_on = picture_plane_on_;
+    set_picture_plane(false);
+    const QRect place = tv_out_ ? TV_PREVIEW.translated(0, -controls_offset_) : LCD_PREVIEW;
+    media_player_->set_video_window(place.x(), place.y(), place.width(), place.height());
+    if (picture_was_on)
+        set_picture_plane(true);
+}
+
+/// A target brought inside the film.
+Time TavelVideo::clamped(Time target) const
+{
+    const Time length = total_ms_;
+    return std::max<Time>(0, length > 0 ? std::min(target, length) : target);
+}
