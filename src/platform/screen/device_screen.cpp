@@ -172,6 +172,8 @@ void DeviceScreen::embed(QWidget* widget)
         inner->deleteLater();
     }
     auto* item = new WindowItem(m_user);
+    // A visible item would show the window at once.
+    item->setVisible(widget->isVisible());
     item->setWidget(widget);
 }
 
@@ -195,6 +197,11 @@ void DeviceScreen::window_shown(QWidget* widget)
     WindowItem* const item = item_of(widget);
     if (!item)
         return;
+    if (qobject_cast<QDialog*>(widget) && !widget->testAttribute(Qt::WA_Moved)) {
+        // The toolkit centres a dialog that nobody placed on the host's screen, each time it is shown.
+        widget->move(desktop.center() - widget->rect().center());
+        widget->setAttribute(Qt::WA_Moved, false);
+    }
     item->setPanelModality(widget->isModal() ? QGraphicsItem::SceneModal : QGraphicsItem::NonModal);
     raise_window(widget);
     present();
@@ -267,9 +274,14 @@ void DeviceScreen::stack_under(QWidget* lower, QWidget* upper)
     embed(lower->window());
     embed(upper->window());
     WindowItem* const lower_item = item_of(lower);
-    WindowItem* const upper_item = item_of(upper);
-    if (lower_item && upper_item && lower_item != upper_item)
-        lower_item->stackBefore(upper_item);
+    const WindowItem* const upper_item = item_of(upper);
+    if (!lower_item || !upper_item || lower_item == upper_item)
+        return;
+    QList<QGraphicsItem*> items = m_user->childItems();
+    items.removeOne(lower_item);
+    items.insert(items.indexOf(upper_item), lower_item);
+    for (qsizetype at = 0; at < items.size(); ++at)
+        items[at]->setZValue(static_cast<qreal>(at));
 }
 
 void DeviceScreen::raise_window(QWidget* widget)
@@ -277,10 +289,9 @@ void DeviceScreen::raise_window(QWidget* widget)
     WindowItem* const item = item_of(widget);
     if (!item)
         return;
-    const QList<QGraphicsItem*> items = m_user->childItems();
-    if (items.last() == item)
-        return;
-    items.last()->stackBefore(item);
+    const QGraphicsItem* const top = m_user->childItems().last();
+    if (top != item)
+        item->setZValue(top->zValue() + 1);
 }
 
 void DeviceScreen::keep_pop_up_on_screen(QWidget* pop_up)
@@ -295,6 +306,15 @@ void DeviceScreen::keep_pop_up_on_screen(QWidget* pop_up)
         pop_up->resize(size.toSize());
         place = item->sceneBoundingRect();
     }
+    // A list that does not fit under its combo box opens above it rather than over it.
+    if (const QWidget* owner = pop_up->parentWidget(); owner && place.bottom() > output.bottom()) {
+        const WindowItem* const window = item_of(owner);
+        const qreal top = window ? window->mapToScene(QPointF(owner->mapTo(owner->window(), QPoint()))).y() : 0;
+        if (top >= place.height()) {
+            item->moveBy(0, top - place.bottom());
+            place = item->sceneBoundingRect();
+        }
+    }
     const QPointF inside(std::clamp(place.x(), 0.0, std::max(0.0, output.width() - place.width())),
                          std::clamp(place.y(), 0.0, std::max(0.0, output.height() - place.height())));
     item->moveBy(inside.x() - place.x(), inside.y() - place.y());
@@ -303,10 +323,12 @@ void DeviceScreen::keep_pop_up_on_screen(QWidget* pop_up)
 bool DeviceScreen::eventFilter(QObject* object, QEvent* event)
 {
     switch (event->type()) {
-    case QEvent::Polish:
     case QEvent::ParentChange:
+    case QEvent::Polish:
     case QEvent::Show:
-        if (auto* widget = qobject_cast<QWidget*>(object); widget && widget->isWindow())
+        // These come to a widget under construction, too; it has no window of the host's yet and must not be looked at.
+        if (auto* widget = qobject_cast<QWidget*>(object);
+            widget && widget->isWindow() && widget->testAttribute(Qt::WA_WState_Created))
             embed(widget);
         break;
     case QEvent::ParentAboutToChange:
@@ -356,12 +378,15 @@ bool DeviceScreen::viewportEvent(QEvent* event)
         // The host's activation must not reach the scene.
         return QAbstractScrollArea::viewportEvent(event);
     case QEvent::MouseButtonPress: {
+        const QPoint place = static_cast<QMouseEvent*>(event)->position().toPoint();
+        if (const QGraphicsItem* item = itemAt(place)) {
+            const auto* const window = dynamic_cast<const WindowItem*>(item->topLevelItem() == m_user ? item : nullptr);
+            if (window && takes_activation(window->widget()))
+                activate(window->widget());
+        }
         const bool handled = QGraphicsView::viewportEvent(event);
-        QWidget* const window = active_window();
-        if (window && takes_activation(window))
-            activate(window);
-        else
-            restore_activation();
+        // Whatever the toolkit made of a press beside the windows, or on one that is never active.
+        restore_activation();
         return handled;
     }
     default:

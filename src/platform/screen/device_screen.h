@@ -2,6 +2,8 @@
 
 #include "frame_buffer.h"
 
+#include <QEvent>
+#include <QGraphicsScene>
 #include <QGraphicsView>
 #include <QHash>
 #include <QImage>

@@ -1,6 +1,7 @@
 #include "key_pad.h"
 
 #include <QKeyEvent>
+#include <QVariant>
 #include <QWidget>
 
 #include <array>
@@ -36,7 +37,8 @@ int device_key(const QKeyEvent& event, const QWidget* receiver)
     if (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
         return event.key();
     const bool is_text = !event.text().isEmpty() && event.text().front().isPrint();
-    if (is_text && receiver && receiver->testAttribute(Qt::WA_InputMethodEnabled))
+    // Lists take input methods, too, to search by letters; only an editor has text to answer with.
+    if (is_text && receiver && receiver->inputMethodQuery(Qt::ImSurroundingText).isValid())
         return event.key();
     for (const Row& row : rows) {
         if (row.host_key == event.key())
