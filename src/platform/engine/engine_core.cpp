@@ -1,0 +1,134 @@
+#include "engine_core.h"
+
+#include <array>
+#include <vector>
+
+namespace
+{
+
+struct Setting {
+    const char* name;
+    const char* value;
+};
+
+/// What the library is told before it starts. Everything a desktop player would read, show or listen to is off.
+constexpr std::array<Setting, 41> settings = {{
+    {"config", "no"},
+    {"load-scripts", "no"},
+    {"load-stats-overlay", "no"},
+    {"load-osd-console", "no"},
+    {"load-auto-profiles", "no"},
+    {"osc", "no"},
+    {"ytdl", "no"},
+    {"terminal", "no"},
+    {"input-default-bindings", "no"},
+    {"input-builtin-bindings", "no"},
+    {"input-vo-keyboard", "no"},
+    {"input-cursor", "no"},
+    {"input-media-keys", "no"},
+    {"osd-level", "0"},
+    {"osd-bar", "no"},
+    {"autoload-files", "no"},
+    {"sub-auto", "no"},
+    {"audio-file-auto", "no"},
+    {"cover-art-auto", "no"},
+    {"audio-display", "no"},
+    {"sid", "no"},
+    {"ordered-chapters", "no"},
+    {"access-references", "no"},
+    {"resume-playback", "no"},
+    {"idle", "yes"},
+    {"keep-open", "yes"},
+    {"keep-open-pause", "no"},
+    {"pause", "yes"},
+    {"vo", "libmpv"},
+    // The picture output renders at once and shows at once, so a frame is handed over when it is due, not ahead of
+    // time.
+    {"video-timing-offset", "0"},
+    {"hr-seek", "yes"},
+    {"cache", "no"},
+    {"sws-scaler", "bilinear"},
+    {"sws-fast", "yes"},
+    {"zimg-scaler", "bilinear"},
+    {"zimg-dither", "no"},
+    {"audio-fallback-to-null", "yes"},
+    {"audio-client-name", "tavel_video"},
+    {"audio-pitch-correction", "yes"},
+    {"volume-max", "100"},
+    {"network-timeout", "5"},
+}};
+
+/// The events that the playback follows. All others would only wake its thread.
+constexpr std::array<mpv_event_id, 9> wanted_events = {
+    MPV_EVENT_SHUTDOWN,
+    MPV_EVENT_START_FILE,
+    MPV_EVENT_END_FILE,
+    MPV_EVENT_FILE_LOADED,
+    MPV_EVENT_SEEK,
+    MPV_EVENT_PLAYBACK_RESTART,
+    MPV_EVENT_COMMAND_REPLY,
+    MPV_EVENT_GET_PROPERTY_REPLY,
+    MPV_EVENT_PROPERTY_CHANGE,
+};
+
+constexpr int most_event_ids = 32;
+
+} // namespace
+
+std::unique_ptr<EngineCore> EngineCore::create()
+{
+    std::unique_ptr<EngineCore> core(new EngineCore);
+    core->m_handle = mpv_create();
+    if (!core->m_handle)
+        return nullptr;
+    // A build of the library without some feature does not know its switch: that is as good as off.
+    for (const Setting& setting : settings)
+        mpv_set_option_string(core->m_handle, setting.name, setting.value);
+    for (int id = 1; id < most_event_ids; ++id) {
+        const auto event = static_cast<mpv_event_id>(id);
+        if (std::find(wanted_events.begin(), wanted_events.end(), event) == wanted_events.end())
+            mpv_request_event(core->m_handle, event, 0);
+    }
+    if (mpv_initialize(core->m_handle) < 0)
+        return nullptr;
+    core->m_picture.emplace(core->m_handle);
+    return core->m_picture->works() ? std::move(core) : nullptr;
+}
+
+EngineCore::~EngineCore()
+{
+    m_picture.reset();
+    if (m_handle)
+        mpv_terminate_destroy(m_handle);
+}
+
+bool EngineCore::command(const QByteArrayList& words, std::uint64_t id)
+{
+    std::vector<const char*> arguments;
+    arguments.reserve(static_cast<std::size_t>(words.size()) + 1);
+    for (const QByteArray& word : words)
+        arguments.push_back(word.constData());
+    arguments.push_back(nullptr);
+    return mpv_command_async(m_handle, id, arguments.data()) >= 0;
+}
+
+void EngineCore::set(const char* property, const QByteArray& value)
+{
+    const char* text = value.constData();
+    mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_STRING, &text);
+}
+
+void EngineCore::set(const char* property, double value)
+{
+    mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_DOUBLE, &value);
+}
+
+bool EngineCore::ask_number(const char* property, std::uint64_t id)
+{
+    return mpv_get_property_async(m_handle, id, property, MPV_FORMAT_DOUBLE) >= 0;
+}
+
+void EngineCore::watch(const char* property, mpv_format format, std::uint64_t id)
+{
+    mpv_observe_property(m_handle, id, property, format);
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "picture_output.h"
+
+#include <mpv/client.h>
+
+#include <QByteArray>
+#include <QByteArrayList>
+
+#include <memory>
+#include <optional>
+
+/// One running copy of the playing library with its picture output.
+///
+/// Nothing here waits for the library but creation and destruction: commands and settings are handed over and answered
+/// by events.
+class EngineCore
+{
+public:
+    /// @return null when the library does not start.
+    static std::unique_ptr<EngineCore> create();
+    /// Ends the library and its threads. Blocks for as long as the library waits for a disk.
+    ~EngineCore();
+    EngineCore(const EngineCore&) = delete;
+    EngineCore& operator=(const EngineCore&) = delete;
+
+    mpv_handle* handle() const { return m_handle; }
+    PictureOutput& picture() { return *m_picture; }
+
+    /// Hands over a command. @param id comes back in the event that answers it; 0 when nobody asks
+    /// @return false when the library takes no more.
+    bool command(const QByteArrayList& words, std::uint64_t id = 0);
+    void set(const char* property, const QByteArray& value);
+    void set(const char* property, double value);
+    /// Asks for a number that comes back in an event with @p id.
+    bool ask_number(const char* property, std::uint64_t id);
+    void watch(const char* property, mpv_format format, std::uint64_t id);
+
+private:
+    EngineCore() = default;
+
+    mpv_handle* m_handle = nullptr;
+    std::optional<PictureOutput> m_picture;
+};

@@ -1,0 +1,267 @@
+#include "media_player.h"
+
+#include "digital_output.h"
+#include "media_file.h"
+#include "playback.h"
+#include "sound_volume.h"
+#include "subtitles/subtitle_store.h"
+#include "video_plane.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <clocale>
+#include <cstdint>
+#include <cstring>
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+/// How long open() may take to look into a file.
+constexpr auto open_limit = 5000ms;
+
+/// The library takes a relative name for anything but a file.
+QByteArray absolute_path(const char* file_name)
+{
+    const QByteArray name(file_name);
+    if (name.isEmpty() || name.startsWith('/'))
+        return name;
+    return QFile::encodeName(QDir::currentPath()) + '/' + name;
+}
+
+} // namespace
+
+/// The side of the thread that calls the operations: the open file and what is known about it.
+class MediaPlayer::Private
+{
+public:
+    explicit Private(MediaCallback* callback)
+    {
+        // The library refuses to start when numbers are written with a decimal comma.
+        std::setlocale(LC_NUMERIC, "C");
+        playback = Playback::start(callback);
+        set_volume_listener(this, [playback = playback](double percent) { playback->set_volume(percent); });
+        VideoPlane::instance().set_resize_hook([playback = playback] { playback->redraw(); });
+    }
+
+    /// What look_into() found; filled on another thread within the limit.
+    struct Findings {
+        MediaFile file;
+        std::vector<SubtitleTrack> beside;
+    };
+
+    static Findings look_into(const QByteArray& path);
+    bool is_open() const { return file.status == rask::ok; }
+    void forget_file();
+
+    std::shared_ptr<Playback> playback; ///< null after release()
+    MediaFile file;
+    std::unique_ptr<SubtitleStore> subtitles;
+    std::shared_ptr<SubtitleStore::Hook> subtitles_ready = std::make_shared<SubtitleStore::Hook>();
+};
+
+MediaPlayer::Private::Findings MediaPlayer::Private::look_into(const QByteArray& path)
+{
+    struct Shared {
+        std::atomic<bool> cancelled = false;
+        std::mutex mutex;
+        Findings findings; ///< guarded by mutex
+    };
+    const auto shared = std::make_shared<Shared>();
+    BackgroundTask task([shared, path] {
+        Findings findings;
+        findings.file = MediaFile::look(path, shared->cancelled);
+        if (findings.file.status == rask::ok)
+            findings.beside = read_subtitle_files(QFile::decodeName(path));
+        const std::lock_guard lock(shared->mutex);
+        shared->findings = std::move(findings);
+    });
+    if (task.wait_for(open_limit)) {
+        const std::lock_guard lock(shared->mutex);
+        return std::move(shared->findings);
+    }
+    shared->cancelled = true;
+    Findings findings;
+    findings.file.status = rask::timed_out;
+    return findings;
+}
+
+void MediaPlayer::Private::forget_file()
+{
+    file = {};
+    // The lists stay: they live until the next file is opened.
+}
+
+MediaPlayer::MediaPlayer(MediaCallback* callback) : d(std::make_unique<Private>(callback)) {}
+
+MediaPlayer::~MediaPlayer()
+{
+    MediaPlayer::release();
+}
+
+unsigned MediaPlayer::initialize()
+{
+    return d->playback ? d->playback->initialize() : rask::wrong_state;
+}
+
+unsigned MediaPlayer::prepare(const char* file_name)
+{
+    if (!d->playback)
+        return rask::wrong_state;
+    const QByteArray path = absolute_path(file_name);
+    if (!d->is_open() || d->file.path != path) {
+        if (const unsigned status = MediaPlayer::open(file_name); status != rask::ok)
+            return status;
+    }
+    const unsigned status =
+        d->playback->load({path, d->file.length, d->file.seekable, d->file.height, d->file.audio_streams});
+    if (status == rask::ok)
+        d->subtitles->read_inside(d->subtitles_ready);
+    return status;
+}
+
+unsigned MediaPlayer::close()
+{
+    d->forget_file();
+    return d->playback ? d->playback->stop() : rask::ok;
+}
+
+unsigned MediaPlayer::play()
+{
+    return d->playback ? d->playback->play() : rask::wrong_state;
+}
+
+unsigned MediaPlayer::pause()
+{
+    return d->playback ? d->playback->pause() : rask::wrong_state;
+}
+
+unsigned MediaPlayer::seek(SeekMode, Time target)
+{
+    return d->playback ? d->playback->seek(target) : rask::wrong_state;
+}
+
+unsigned MediaPlayer::scan_backward(int rate)
+{
+    return d->playback ? d->playback->scan(rate, false) : rask::wrong_state;
+}
+
+unsigned MediaPlayer::scan_forward(int rate)
+{
+    return d->playback ? d->playback->scan(rate, true) : rask::wrong_state;
+}
+
+unsigned MediaPlayer::set_video_window(int x, int y, int width, int height)
+{
+    if (!d->playback)
+        return rask::wrong_state;
+    VideoPlane::instance().set_window(QRect(x, y, width, height));
+    return rask::ok;
+}
+
+unsigned MediaPlayer::set_aspect(int mode)
+{
+    return d->playback ? d->playback->set_keep_aspect(mode != static_cast<int>(AspectMode::Fill)) : rask::wrong_state;
+}
+
+unsigned MediaPlayer::set_parameter(int number, const void* value, unsigned size)
+{
+    if (!d->playback)
+        return rask::wrong_state;
+    std::array<std::int32_t, 3> colour = {};
+    if (number != static_cast<int>(Parameter::Colour) || !value || size != sizeof colour)
+        return rask::out_of_range;
+    std::memcpy(colour.data(), value, sizeof colour);
+    return d->playback->set_colour({colour[0], colour[1], colour[2]});
+}
+
+unsigned MediaPlayer::release()
+{
+    d->forget_file();
+    if (!d->playback)
+        return rask::ok;
+    remove_volume_listener(d.get());
+    VideoPlane::instance().set_resize_hook({});
+    d->subtitles_ready->set({});
+    d->subtitles.reset();
+    d->playback->shut_down();
+    d->playback.reset();
+    return rask::ok;
+}
+
+unsigned MediaPlayer::set_speed(int code)
+{
+    return d->playback ? d->playback->set_speed(code) : rask::wrong_state;
+}
+
+unsigned MediaPlayer::select_stream(int kind, int track)
+{
+    if (!d->playback)
+        return rask::wrong_state;
+    if (kind != static_cast<int>(StreamKind::Audio))
+        return rask::out_of_range;
+    return d->playback->select_sound(track);
+}
+
+unsigned MediaPlayer::open(const char* file_name)
+{
+    if (!d->playback)
+        return rask::wrong_state;
+    MediaPlayer::close();
+    Private::Findings findings = Private::look_into(absolute_path(file_name));
+    d->subtitles.reset();
+    if (findings.file.status != rask::ok)
+        return findings.file.status;
+    d->file = std::move(findings.file);
+    d->subtitles = std::make_unique<SubtitleStore>(std::move(findings.beside), d->file.text_streams,
+                                                   QFile::decodeName(d->file.path));
+    d->file.infos[QStringLiteral("container")][QStringLiteral("subtitle_streams")] =
+        QString::number(d->subtitles->count());
+    return rask::ok;
+}
+
+bool MediaPlayer::has_info(const char* group)
+{
+    return d->file.infos.contains(QString::fromUtf8(group));
+}
+
+QString MediaPlayer::get_info(const char* group, const char* item)
+{
+    return d->file.infos.value(QString::fromUtf8(group)).value(QString::fromUtf8(item));
+}
+
+const std::vector<Subtitle>* MediaPlayer::get_subtitles(unsigned track)
+{
+    return d->is_open() && d->subtitles ? d->subtitles->lines(track) : nullptr;
+}
+
+unsigned MediaPlayer::query(int number, bool* answer)
+{
+    if (number != static_cast<int>(Query::Busy) || !answer)
+        return rask::out_of_range;
+    *answer = d->playback && d->playback->is_busy();
+    return rask::ok;
+}
+
+unsigned MediaPlayer::set_option(int option, bool on)
+{
+    if (!d->playback)
+        return rask::wrong_state;
+    if (option != static_cast<int>(Option::DigitalOutput))
+        return rask::out_of_range;
+    if (on && !(d->is_open() && d->file.compressed_sound && has_digital_output()))
+        return rask::not_supported;
+    return d->playback->set_digital_output(on);
+}
+
+int MediaPlayer::get_speed()
+{
+    return d->playback ? d->playback->speed() : speed_steps[normal_speed_step];
+}
+
+void MediaPlayer::set_subtitles_ready_hook(std::function<void()> hook)
+{
+    d->subtitles_ready->set(std::move(hook));
+}
