@@ -4,6 +4,7 @@
 #include "device_font.h"
 #include "list_row.h"
 #include "qpe_application.h"
+#include "skin_layout.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -21,16 +22,18 @@ constexpr int font_points = 12;
 constexpr int normal_weight = 50;
 constexpr int black_weight = 87;
 
-/// @p image with its colours as they are and every alpha multiplied by @p alpha / 256.
-QImage faded(const QImage& image, unsigned int alpha)
+/// Gives each pixel of @p image the alpha that @p source has there, times @p factor / 256; colours stay. Both are
+/// Format_ARGB32 and of one size.
+void take_alpha(QImage& image, const QImage& source, unsigned int factor)
 {
-    QImage result = image.convertToFormat(QImage::Format_ARGB32);
-    for (int y = 0; y < result.height(); ++y) {
-        auto* line = reinterpret_cast<QRgb*>(result.scanLine(y));
-        for (int x = 0; x < result.width(); ++x)
-            line[x] = (line[x] & RGB_MASK) | ((static_cast<unsigned int>(qAlpha(line[x])) * alpha) >> 8) << 24;
+    for (int y = 0; y < image.height(); ++y) {
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+        const auto* source_line = reinterpret_cast<const QRgb*>(source.constScanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            const auto alpha = static_cast<unsigned int>(qAlpha(source_line[x]));
+            line[x] = (line[x] & RGB_MASK) | ((alpha * factor) >> 8) << 24;
+        }
     }
-    return result;
 }
 
 } // namespace
@@ -39,12 +42,12 @@ ListPanel::ListPanel(QWidget* parent, const char* name, const QString& group, co
     : SkinBase(parent, name)
 {
     do_configloading(group);
-    Config layout(QPEApplication::qpeDir() + QStringLiteral("pics/") + window()->objectName() +
-                      QStringLiteral("/config"),
-                  Config::File);
+    Config layout(SkinLayout::file(this), Config::File);
     layout.setGroup(list_box_group);
-    const QRect rectangle(layout.readNumEntry(QStringLiteral("xpos")), layout.readNumEntry(QStringLiteral("ypos")),
-                          layout.readNumEntry(QStringLiteral("width")), layout.readNumEntry(QStringLiteral("height")));
+    const QRect rectangle(SkinLayout::bounded_position(layout.readNumEntry(QStringLiteral("xpos"))),
+                          SkinLayout::bounded_position(layout.readNumEntry(QStringLiteral("ypos"))),
+                          SkinLayout::bounded_size(layout.readNumEntry(QStringLiteral("width"))),
+                          SkinLayout::bounded_size(layout.readNumEntry(QStringLiteral("height"))));
 
     list_box_ = std::make_unique<ListBoxSkin>(this, "file_listbox");
     list_box_->setBackgroundPixmap(QPixmap::fromImage(background_behind(rectangle)));
@@ -80,24 +83,23 @@ void ListPanel::setBackgroundPixmap(const QPixmap& pixmap)
 void ListPanel::setAlphaOverride(unsigned char alpha)
 {
     SkinBase::setAlphaOverride(alpha);
-    list_box_->setBackgroundPixmap(QPixmap::fromImage(faded(background_behind(list_box_->geometry()), alpha)));
+    QImage background = background_behind(list_box_->geometry());
+    take_alpha(background, background.copy(), alpha);
+    list_box_->setBackgroundPixmap(QPixmap::fromImage(background));
 }
 
 void ListPanel::redrawImage(QImage& image, int x, int y)
 {
     const QImage original = image.convertToFormat(QImage::Format_ARGB32);
-    QImage composed = background_behind(QRect(QPoint(x, y), image.size()));
-    QPainter(&composed).drawImage(0, 0, original);
-    composed = composed.convertToFormat(QImage::Format_ARGB32);
-    const unsigned int alpha = alphaOverride();
-    for (int row = 0; row < composed.height(); ++row) {
-        auto* line = reinterpret_cast<QRgb*>(composed.scanLine(row));
-        const auto* original_line = reinterpret_cast<const QRgb*>(original.constScanLine(row));
-        for (int column = 0; column < composed.width(); ++column) {
-            const auto own_alpha = static_cast<unsigned int>(qAlpha(original_line[column]));
-            line[column] = (line[column] & RGB_MASK) | ((own_alpha * alpha) >> 8) << 24;
-        }
-    }
+    QImage composed(original.size(), QImage::Format_ARGB32);
+    composed.fill(Qt::transparent);
+    QPainter painter(&composed);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.drawImage(-x, -y, backgroundImage());
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    painter.drawImage(0, 0, original);
+    painter.end();
+    take_alpha(composed, original, alphaOverride());
     image = composed;
 }
 
@@ -140,9 +142,5 @@ void ListPanel::hideEvent(QHideEvent* event)
 
 QImage ListPanel::background_behind(const QRect& rectangle) const
 {
-    QImage cut(rectangle.size().expandedTo(QSize(0, 0)), QImage::Format_ARGB32_Premultiplied);
-    cut.fill(Qt::transparent);
-    QPainter painter(&cut);
-    painter.drawImage(-rectangle.topLeft(), backgroundImage());
-    return cut;
+    return rectangle.isEmpty() ? QImage() : backgroundImage().copy(rectangle);
 }

@@ -280,3 +280,5 @@ QRect FileManager::status_rectangle() const
 {
     return {0, height() - look::status_height, width(), look::status_height};
 }
+
+#include "moc_file_manager.cpp"

@@ -94,3 +94,5 @@ void FileManagerButton::focusOutEvent(QFocusEvent* event)
     QAbstractButton::focusOutEvent(event);
     update();
 }
+
+#include "moc_file_manager_button.cpp"

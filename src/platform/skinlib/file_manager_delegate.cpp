@@ -52,9 +52,10 @@ void draw_check_box(QPainter* painter, const QRectF& box, bool on)
 void draw_folder(QPainter* painter, const QRectF& box)
 {
     QPainterPath shape;
+    shape.setFillRule(Qt::WindingFill);
     shape.addRoundedRect(QRectF(box.left(), box.top() + 3, box.width() * 0.48, 6), 1.5, 1.5);
     shape.addRoundedRect(QRectF(box.left(), box.top() + 5.5, box.width(), box.height() - 8), 2, 2);
-    painter->fillPath(shape.simplified(), look::caption_text);
+    painter->fillPath(shape, look::caption_text);
 }
 
 void draw_way_up(QPainter* painter, const QRectF& box)
@@ -199,3 +200,5 @@ QString FileManagerDelegate::length_text(qint64 milliseconds)
         .arg(seconds / 60 % 60, 2, 10, zero)
         .arg(seconds % 60, 2, 10, zero);
 }
+
+#include "moc_file_manager_delegate.cpp"

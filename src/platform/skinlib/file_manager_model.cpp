@@ -217,3 +217,6 @@ void FileManagerModel::tell_of_choices()
         emit dataChanged(index(0), index(rowCount() - 1), {ChosenRole});
     emit choices_changed();
 }
+
+// Kept out of the library's common object, so that only programs with a file manager need the engine's probe_media().
+#include "moc_file_manager_model.cpp"

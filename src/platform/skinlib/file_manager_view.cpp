@@ -154,3 +154,5 @@ void FileManagerView::paintEvent(QPaintEvent* event)
     painter.setBrush(QColor(255, 255, 255, 90));
     painter.drawRoundedRect(QRect(area.right() - scroll_mark_width, y, scroll_mark_width, length), 2, 2);
 }
+
+#include "moc_file_manager_view.cpp"

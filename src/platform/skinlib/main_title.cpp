@@ -138,3 +138,5 @@ void mainTitle::remember_folder() const
     settings.setGroup(settings_group());
     settings.writeEntry(settings_key(), file_manager_->folder());
 }
+
+#include "moc_main_title.cpp"
