@@ -23,7 +23,7 @@ constexpr QStringView empty_mark = u"\\e";
 
 bool is_blank(QChar character)
 {
-    return character == u' ' || character == u'\t';
+    return character == u' ' || character == u'\t' || character == u'\r';
 }
 
 bool needs_number(QStringView text, qsizetype position)
@@ -137,10 +137,8 @@ ConfigDocument ConfigDocument::parse(const QByteArray& bytes)
     QString group;
     for (int number = 1; !rest.isEmpty(); ++number) {
         const qsizetype end = rest.indexOf('\n');
-        QByteArrayView line_bytes = end < 0 ? rest : rest.first(end);
+        const QByteArrayView line_bytes = end < 0 ? rest : rest.first(end);
         rest = end < 0 ? QByteArrayView() : rest.sliced(end + 1);
-        if (line_bytes.endsWith('\r'))
-            line_bytes.chop(1);
         const QString text = QString::fromUtf8(line_bytes);
         const QStringView line = without_blanks(text);
         if (line.isEmpty())

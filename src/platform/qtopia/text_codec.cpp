@@ -72,6 +72,42 @@ qsizetype utf8_sequence_length(const char* bytes, qsizetype size)
     return QtPrivate::isValidUtf8(QByteArrayView(bytes, length)) ? length : 0;
 }
 
+// The end of what is handed to the C library as it stands. Beyond the basic plane a code page has nothing, and the
+// library would silently leave out some of it; the controls U+0080 to U+009F it writes into EUC-KR as bytes that begin
+// a syllable in CP949.
+const char* convertible_end(const char* utf8, const char* end)
+{
+    for (; utf8 < end; ++utf8) {
+        const auto byte = static_cast<uchar>(*utf8);
+        if (byte >= 0xF0 || (byte == 0xC2 && utf8 + 1 < end && static_cast<uchar>(utf8[1]) < 0xA0))
+            break;
+    }
+    return utf8;
+}
+
+// The character of such a sequence. Not QString::fromUtf8(), which drops a byte order mark.
+char32_t utf8_character(const char* bytes, qsizetype length)
+{
+    auto code_point = static_cast<char32_t>(static_cast<uchar>(bytes[0]) & (length == 1 ? 0x7F : 0x7F >> length));
+    for (qsizetype i = 1; i < length; ++i)
+        code_point = (code_point << 6) | (static_cast<uchar>(bytes[i]) & 0x3F);
+    return code_point;
+}
+
+// @p text with U+FFFD for each half of a surrogate pair that stands alone.
+QString without_halves(QString text)
+{
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (!text[i].isSurrogate())
+            continue;
+        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate())
+            ++i;
+        else
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
 } // namespace
 
 QTextCodec::QTextCodec(const char* name, const char* encoding) : name_(name), encoding_(encoding) {}
@@ -103,10 +139,10 @@ QString QTextCodec::toUnicode(const QByteArray& bytes) const
         const qsizetype widened =
             *position == widening_mark ? utf8_sequence_length(position + 1, end - position - 1) : 0;
         if (widened > 0) {
-            const QString character = QString::fromUtf8(position + 1, widened);
-            for (const QChar unit : character) {
-                utf16.append(static_cast<char>(unit.unicode() & 0xFF));
-                utf16.append(static_cast<char>(unit.unicode() >> 8));
+            const char32_t code_point = utf8_character(position + 1, widened);
+            for (const char16_t unit : QChar::fromUcs4(code_point)) {
+                utf16.append(static_cast<char>(unit & 0xFF));
+                utf16.append(static_cast<char>(unit >> 8));
             }
             position += 1 + widened;
         } else {
@@ -123,15 +159,13 @@ QString QTextCodec::toUnicode(const QByteArray& bytes) const
 QByteArray QTextCodec::fromUnicode(const QString& text) const
 {
     const Conversion conversion(encoding_, "UTF-8");
-    const QByteArray utf8 = text.toUtf8();
+    const QByteArray utf8 = (text.isValidUtf16() ? text : without_halves(text)).toUtf8();
     QByteArray bytes;
     bytes.reserve(utf8.size());
     const char* position = utf8.constData();
     const char* const end = position + utf8.size();
     while (position < end) {
-        // Beyond the basic plane the code page has nothing, and the C library would silently leave out some of it.
-        const char* const plain_end =
-            std::find_if(position, end, [](char byte) { return static_cast<uchar>(byte) >= 0xF0; });
+        const char* const plain_end = convertible_end(position, end);
         if (conversion.is_open())
             position += conversion.run(position, plain_end - position, bytes);
         if (position == end)
