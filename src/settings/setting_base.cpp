@@ -31,7 +31,7 @@ QLabel { color: rgb(255, 249, 178); }
 QTabWidget::pane { border: none; }
 QTabBar { qproperty-drawBase: 0; }
 QTabBar::tab {
-    height: 26px; width: 68px; margin: 0; padding: 0; color: rgb(190, 190, 190);
+    height: 24px; width: 68px; margin: 0; padding: 0; color: rgb(190, 190, 190);
     border: none; border-bottom: 2px solid rgba(255, 255, 255, 40);
 }
 QTabBar::tab:first, QTabBar::tab:last { width: 70px; }
@@ -43,7 +43,7 @@ QComboBox, QPushButton, QLineEdit {
 QComboBox { padding: 0 20px 0 8px; }
 QComboBox::drop-down { border: none; width: 0; }
 QComboBox::down-arrow { image: none; }
-QLineEdit { padding: 0 4px; border-color: rgba(255, 255, 255, 30); background: transparent; }
+QLineEdit { padding: 0; border-color: rgba(255, 255, 255, 30); background: transparent; }
 QComboBox:disabled, QPushButton:disabled { color: rgb(120, 120, 120); border-color: rgba(255, 255, 255, 26); }
 QComboBox:focus, QPushButton:focus { background: rgba(255, 102, 0, 60); border: 2px solid rgb(255, 102, 0); }
 QComboBox:focus { padding: 0 19px 0 7px; }
@@ -216,12 +216,15 @@ void SettingBase::showEvent(QShowEvent* event)
 void SettingBase::build_header()
 {
     title_label = make_label(this, "title_label");
-    title_label->setGeometry(10, 0, 400, setting_look::header_height);
+    title_label->setGeometry(0, 0, width(), setting_look::header_height);
     title_label->setPixmap(setting_pictures::skin(QStringLiteral("setting_title")));
+    caption_label = make_label(this, "caption_label");
+    caption_label->setGeometry(36, 0, 380, setting_look::header_height);
+    caption_label->setFont(device_font(QStringLiteral("v28"), 15, 87));
 
     exit_button = new ExitButton(this, "exit_button");
     const QSize size = exit_button->sizeHint();
-    exit_button->setGeometry(width() - size.width() - 4, (setting_look::header_height - size.height()) / 2,
+    exit_button->setGeometry(width() - size.width(), (setting_look::header_height - size.height()) / 2,
                              size.width(), size.height());
 
     setting_tab = new QTabWidget(this);
@@ -235,7 +238,7 @@ void SettingBase::build_header()
 
 QWidget* SettingBase::build_video_page()
 {
-    auto* page = new QWidget;
+    auto* page = new QWidget(setting_tab);
     video_label_red = make_label(page, "video_label_red");
     color_slider_red = make_color_slider(page, "color_slider_red");
     video_label_red_precent = make_label(page, "video_label_red_precent");
@@ -282,7 +285,7 @@ QWidget* SettingBase::build_video_page()
 
 QWidget* SettingBase::build_sound_page()
 {
-    auto* page = new QWidget;
+    auto* page = new QWidget(setting_tab);
     sound_label_audiotrack = make_label(page, "sound_label_audiotrack");
     sound_combo_audiotrack = new TouchComboBox(page, "sound_combo_audiotrack");
     sound_label_spdif = make_label(page, "sound_label_spdif");
@@ -297,7 +300,7 @@ QWidget* SettingBase::build_sound_page()
 
 QWidget* SettingBase::build_subtitle_page()
 {
-    auto* page = new QWidget;
+    auto* page = new QWidget(setting_tab);
     subtitle_label_display = make_label(page, "subtitle_label_display");
     subtitle_combo_display = new TouchComboBox(page, "subtitle_combo_display");
     subtitle_label_size = make_label(page, "subtitle_label_size");
@@ -322,9 +325,9 @@ QWidget* SettingBase::build_subtitle_page()
     subtitle_button_forward->setText(QStringLiteral(">>"));
     auto* line = new QHBoxLayout(sync);
     line->setContentsMargins(0, 0, 0, 0);
-    line->setSpacing(3);
-    subtitle_button_back->setFixedWidth(34);
-    subtitle_button_forward->setFixedWidth(34);
+    line->setSpacing(2);
+    subtitle_button_back->setFixedWidth(28);
+    subtitle_button_forward->setFixedWidth(28);
     line->addWidget(subtitle_button_back);
     line->addWidget(subtitle_edit_sync);
     line->addWidget(subtitle_button_forward);
@@ -343,7 +346,7 @@ QWidget* SettingBase::build_subtitle_page()
 
 QWidget* SettingBase::build_display_page()
 {
-    auto* page = new QWidget;
+    auto* page = new QWidget(setting_tab);
     display_label_menutime = make_label(page, "display_label_menutime");
     display_combo_menutime = new TouchComboBox(page, "display_combo_menutime");
     display_label_transparancy = make_label(page, "display_label_transparancy");
@@ -368,7 +371,7 @@ QWidget* SettingBase::build_display_page()
 
 QWidget* SettingBase::build_playback_page()
 {
-    auto* page = new QWidget;
+    auto* page = new QWidget(setting_tab);
     playback_label_seektime = make_label(page, "playback_label_seektime");
     playback_combo_seektime = new TouchComboBox(page, "playback_combo_seektime");
     playback_label_playwithspeed = make_label(page, "playback_label_playwithspeed");
@@ -397,7 +400,7 @@ QWidget* SettingBase::build_playback_page()
 
 QWidget* SettingBase::build_info_page()
 {
-    auto* page = new QWidget;
+    auto* page = new QWidget(setting_tab);
     info_label_audio = make_label(page, "info_label_audio");
     info_label_audio_codec = make_label(page, "info_label_audio_codec");
     info_label_audio_channels = make_label(page, "info_label_audio_channels");
@@ -433,7 +436,7 @@ QWidget* SettingBase::build_info_page()
 
 QWidget* SettingBase::build_about_page()
 {
-    auto* page = new QWidget;
+    auto* page = new QWidget(setting_tab);
     about_label_picture = make_label(page, "about_label_picture");
     about_label_picture->setPixmap(Resource::loadPixmap(QStringLiteral("SETTINGS/ver_video")));
     about_label_picture->setAlignment(Qt::AlignCenter);

@@ -40,7 +40,8 @@ public:
     /// Whether the page in front leaves picture_rectangle() free.
     bool picture_visible() const;
 
-    QLabel* title_label;
+    QLabel* title_label;   ///< the skin's header
+    QLabel* caption_label; ///< the window's caption on it
     ExitButton* exit_button;
     QTabWidget* setting_tab;
 

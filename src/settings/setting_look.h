@@ -17,8 +17,8 @@ inline const QColor line(255, 255, 255, 44);
 
 inline constexpr QSize form_size(480, 272);
 inline constexpr int font_points = 13;
-inline constexpr int header_height = 30;
-inline constexpr int tab_height = 28;
+inline constexpr int header_height = 32;
+inline constexpr int tab_height = 26;
 inline constexpr int page_top = header_height + tab_height;
 /// Space between a page's content and the form's edges.
 inline constexpr int margin = 8;

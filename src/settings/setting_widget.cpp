@@ -41,6 +41,11 @@ void fill_track_list(QComboBox* combo, unsigned int total)
     combo->setEnabled(total > 0);
 }
 
+void show_percent(QLabel* label, int value)
+{
+    label->setText(QString::number(value) + QStringLiteral(" %"));
+}
+
 } // namespace
 
 SettingWidget::SettingWidget(QWidget* parent, const char* name, unsigned int flags)
@@ -64,8 +69,7 @@ void SettingWidget::init_string_table()
 void SettingWidget::init_widgets()
 {
     setWindowTitle(get_string(SettingStrings::Caption));
-    if (title_label->pixmap().isNull())
-        title_label->setText(get_string(SettingStrings::Caption));
+    caption_label->setText(get_string(SettingStrings::Caption));
     int page = 0;
     for (const SettingStrings tab : setting_tables::tabs)
         setting_tab->setTabText(page++, get_string(tab));
@@ -77,6 +81,9 @@ void SettingWidget::init_widgets()
         for (const setting_tables::Choice& choice : row.choices)
             (this->*row.combo)->addItem(get_string(choice.text));
     }
+    show_percent(video_label_red_precent, color_slider_red->value());
+    show_percent(video_label_green_percent, color_slider_green->value());
+    show_percent(video_label_blue_percent, color_slider_blue->value());
     sound_combo_audiotrack->setEnabled(false);
     subtitle_combo_track->setEnabled(false);
     clear_information();
@@ -148,22 +155,19 @@ void SettingWidget::place_preview()
 
 void SettingWidget::update_red(int value)
 {
-    show_color(video_label_red_precent, value);
+    show_percent(video_label_red_precent, value);
+    send_change(ChangeCode::ColorChanged);
 }
 
 void SettingWidget::update_green(int value)
 {
-    show_color(video_label_green_percent, value);
+    show_percent(video_label_green_percent, value);
+    send_change(ChangeCode::ColorChanged);
 }
 
 void SettingWidget::update_blue(int value)
 {
-    show_color(video_label_blue_percent, value);
-}
-
-void SettingWidget::show_color(QLabel* label, int value)
-{
-    label->setText(QString::number(value) + QStringLiteral(" %"));
+    show_percent(video_label_blue_percent, value);
     send_change(ChangeCode::ColorChanged);
 }
 

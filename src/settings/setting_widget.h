@@ -175,7 +175,6 @@ private:
     void init_widgets();
     void connect_signals();
     void place_preview();
-    void show_color(QLabel* label, int value);
 
     int value_of(const QComboBox* combo, std::span<const setting_tables::Choice> choices, const char* getter,
                  int fallback) const;
