@@ -8,6 +8,7 @@
 #include "resource.h"
 #include "tavel_button.h"
 
+#include <QtGui/QPaintEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QLabel>
 
@@ -38,16 +39,14 @@ DicDialog::DicDialog(QWidget* parent, const char* name, bool modal, unsigned int
     m_InstructionLabel->setScaledContents(false);
     m_InstructionLabel->setAlignment(Qt::AlignCenter);
     m_InstructionLabel->setFont(device_font(QStringLiteral("V28"), 13, 50));
-    const QString picture = QStringLiteral("tavel_video/DIC/popup_bg.png");
-    background_.set(Resource::loadPixmap(picture));
     QPalette label_palette = m_InstructionLabel->palette();
     label_palette.setColor(QPalette::WindowText, Qt::white);
-    const QImage behind_label = Resource::loadImage(picture).copy(m_InstructionLabel->geometry());
-    if (!behind_label.isNull()) {
-        label_palette.setBrush(QPalette::Window, QBrush(QPixmap::fromImage(behind_label)));
-        m_InstructionLabel->setAutoFillBackground(true);
-    }
     m_InstructionLabel->setPalette(label_palette);
+
+    const QString picture = QStringLiteral("tavel_video/DIC/popup_bg.png");
+    background_.set(Resource::loadPixmap(picture));
+    label_background_.set(QPixmap::fromImage(Resource::loadImage(picture).copy(m_InstructionLabel->geometry())));
+    m_InstructionLabel->installEventFilter(this);
 
     m_SubtitleEdit->setFont(device_font(QStringLiteral("V28"), 16, 50));
     m_SubtitleEdit->setAlignment(Qt::AlignCenter);
@@ -83,6 +82,13 @@ void DicDialog::search()
     for (int step = 0; step < wait_steps && !QCopChannel::isRegistered(dictionary_channel); ++step)
         Global::msleep(wait_step_ms);
     send(dictionary_channel, "Search(QString)", word);
+}
+
+bool DicDialog::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_InstructionLabel && event->type() == QEvent::Paint)
+        label_background_.paint(m_InstructionLabel, static_cast<QPaintEvent*>(event));
+    return DicDialogBase::eventFilter(watched, event);
 }
 
 void DicDialog::paintEvent(QPaintEvent* event)

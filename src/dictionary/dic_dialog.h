@@ -24,10 +24,13 @@ public slots:
     void search();
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void initTextBox();
 
     BackgroundPixmap background_;
+    /// The piece of it behind the instruction, which makes the label seem transparent.
+    BackgroundPixmap label_background_;
 };

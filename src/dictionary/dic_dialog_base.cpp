@@ -1,5 +1,6 @@
 #include "dic_dialog_base.h"
 
+#include "device_font.h"
 #include "q_select_edit.h"
 #include "resource.h"
 #include "tavel_button.h"
@@ -15,38 +16,42 @@ namespace
 constexpr QSize form_size(312, 192);
 
 /// Stands in for a picture that the skin lacks: the four looks of a button, so that it can still be seen and pressed.
-QImage plain_strip(QSize frame, const QString& text)
+QImage plain_strip(QSize frame)
 {
-    struct Look {
-        QColor face;
-        QColor text;
-    };
-    const std::array<Look, TavelButton::FRAME_COUNT> looks{{
-        {QColor(70, 72, 80), Qt::white},
-        {QColor(200, 80, 0), Qt::white},
-        {QColor(255, 102, 0), Qt::white},
-        {QColor(60, 60, 64), QColor(120, 120, 120)},
-    }};
+    const std::array<QColor, TavelButton::FRAME_COUNT> faces{QColor(70, 72, 80), QColor(200, 80, 0),
+                                                             QColor(255, 102, 0), QColor(60, 60, 64)};
     QImage strip(frame.width() * TavelButton::FRAME_COUNT, frame.height(), QImage::Format_ARGB32_Premultiplied);
     strip.fill(Qt::transparent);
     QPainter painter(&strip);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
     QRectF place(QPointF(0, 0), frame);
-    for (const Look& look : looks) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(look.face);
+    for (const QColor& face : faces) {
+        painter.setBrush(face);
         painter.drawRoundedRect(place, 4, 4);
-        painter.setPen(look.text);
-        painter.drawText(place, Qt::AlignCenter, text);
-        place.translate(frame.width(), 0);
+        painter.translate(frame.width(), 0);
     }
     return strip;
 }
 
+/// Gives a button its picture. The picture has no text of its own, so that one skin serves every language; @p text is
+/// written on each of its frames.
 void set_picture(TavelButton* button, const QString& name, const QString& text)
 {
-    const QImage picture = Resource::loadImage(name);
-    button->set_image(picture.isNull() ? plain_strip(button->size(), text) : picture);
+    QImage strip = Resource::loadImage(name);
+    if (strip.isNull())
+        strip = plain_strip(button->size());
+    QPainter painter(&strip);
+    painter.setFont(device_font(QStringLiteral("V28"), 13, 50));
+    QRect frame(0, 0, strip.width() / TavelButton::FRAME_COUNT, strip.height());
+    for (int index = 0; index < TavelButton::FRAME_COUNT; ++index) {
+        const bool disabled = index == static_cast<int>(TavelButton::Frame::Disabled);
+        painter.setPen(disabled ? QColor(120, 120, 120) : QColor(Qt::white));
+        painter.drawText(frame, Qt::AlignCenter, text);
+        frame.translate(frame.width(), 0);
+    }
+    painter.end();
+    button->set_image(strip);
 }
 
 } // namespace
@@ -74,13 +79,13 @@ DicDialogBase::DicDialogBase(QWidget* parent, const char* name, bool modal, unsi
     setTabOrder(m_SearchButton, m_CloseButton);
 
     languageChange();
-    set_picture(m_SearchButton, QStringLiteral("tavel_video/DIC/search_bt.png"), m_SearchButton->text());
-    set_picture(m_CloseButton, QStringLiteral("tavel_video/DIC/bt_popup_close.png"), QStringLiteral("\u00d7"));
 }
 
 void DicDialogBase::languageChange()
 {
     m_SearchButton->setText(tr("Search"));
+    set_picture(m_SearchButton, QStringLiteral("tavel_video/DIC/search_bt.png"), m_SearchButton->text());
+    set_picture(m_CloseButton, QStringLiteral("tavel_video/DIC/bt_popup_close.png"), QString());
     m_InstructionLabel->setText(tr("Select a word to find then hit search."));
 }
 

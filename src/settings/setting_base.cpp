@@ -28,6 +28,8 @@ namespace
 constexpr const char* style_sheet = R"(
 QWidget { color: white; background: transparent; }
 QLabel { color: rgb(255, 249, 178); }
+QLabel[role="value"] { color: white; margin-left: 12px; }
+QLabel[role="notice"] { color: white; }
 QTabWidget::pane { border: none; }
 QTabBar { qproperty-drawBase: 0; }
 QTabBar::tab {
@@ -40,19 +42,19 @@ QTabBar::tab:selected:focus { background: rgb(255, 102, 0); }
 QComboBox, QPushButton, QLineEdit {
     background: rgba(255, 255, 255, 26); border: 1px solid rgba(255, 255, 255, 70); border-radius: 5px; min-height: 26px;
 }
-QComboBox { padding: 0 20px 0 8px; }
+QComboBox { padding: 0 18px 0 7px; }
 QComboBox::drop-down { border: none; width: 0; }
 QComboBox::down-arrow { image: none; }
 QLineEdit { padding: 0; border-color: rgba(255, 255, 255, 30); background: transparent; }
 QComboBox:disabled, QPushButton:disabled { color: rgb(120, 120, 120); border-color: rgba(255, 255, 255, 26); }
 QComboBox:focus, QPushButton:focus { background: rgba(255, 102, 0, 60); border: 2px solid rgb(255, 102, 0); }
-QComboBox:focus { padding: 0 19px 0 7px; }
+QComboBox:focus { padding: 0 17px 0 6px; }
 QPushButton:pressed { background: rgb(255, 102, 0); }
 QComboBox QAbstractItemView {
     background: rgb(28, 29, 33); border: 1px solid rgb(255, 102, 0); outline: none;
     selection-background-color: rgb(255, 102, 0); selection-color: white;
 }
-QComboBox QAbstractItemView::item { min-height: 27px; padding-left: 6px; }
+QComboBox QAbstractItemView::item { min-height: 27px; padding-left: 6px; border: none; background: rgb(28, 29, 33); }
 QComboBox QAbstractItemView::item:selected { background: rgb(255, 102, 0); color: white; }
 QSlider { min-height: 26px; }
 QSlider::groove:horizontal { height: 4px; background: rgba(255, 255, 255, 60); border-radius: 2px; }
@@ -122,8 +124,8 @@ void place_rows(QWidget* page, const QRect& area, int control_width, std::initia
     auto* column = new QWidget(page);
     column->setGeometry(area);
     auto* grid = new QGridLayout(column);
-    grid->setContentsMargins(8, 5, 6, 5);
-    grid->setHorizontalSpacing(6);
+    grid->setContentsMargins(6, 5, 4, 5);
+    grid->setHorizontalSpacing(4);
     grid->setVerticalSpacing(4);
     grid->setColumnStretch(0, 1);
     int line = 0;
@@ -143,19 +145,17 @@ SettingBase::SettingBase(QWidget* parent, const char* name, unsigned int flags) 
     setObjectName(QString::fromLatin1(name));
     setAttribute(Qt::WA_TranslucentBackground);
     setFont(device_font(QStringLiteral("v28"), setting_look::font_points, 50));
-    setStyleSheet(QString::fromLatin1(style_sheet));
     setFixedSize(setting_look::form_size);
 
     build_header();
-    setting_tab->addTab(build_video_page(), QString());
-    setting_tab->addTab(build_sound_page(), QString());
-    setting_tab->addTab(build_subtitle_page(), QString());
-    setting_tab->addTab(build_display_page(), QString());
-    setting_tab->addTab(build_playback_page(), QString());
-    setting_tab->addTab(build_info_page(), QString());
-    setting_tab->addTab(build_about_page(), QString());
+    for (QWidget* page : {build_video_page(), build_sound_page(), build_subtitle_page(), build_display_page(),
+                          build_playback_page(), build_info_page(), build_about_page()}) {
+        setting_tab->addTab(page, QString());
+    }
     connect(setting_tab, &QTabWidget::currentChanged, this, qOverload<>(&QWidget::update));
     new KeyPadNavigator(this);
+    // Last: under a style sheet a widget would not take up the font of what it is put into.
+    setStyleSheet(QString::fromLatin1(style_sheet));
 }
 
 QRect SettingBase::picture_rectangle() const
@@ -189,7 +189,7 @@ void SettingBase::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(rect(), setting_look::backdrop);
+    painter.fillRect(rect(), picture_visible() ? setting_look::backdrop : setting_look::cover);
     painter.fillRect(QRect(0, 0, width(), setting_look::header_height), setting_look::header);
     if (picture_visible())
         painter.fillRect(picture_rectangle(), Qt::transparent);
@@ -224,8 +224,8 @@ void SettingBase::build_header()
 
     exit_button = new ExitButton(this, "exit_button");
     const QSize size = exit_button->sizeHint();
-    exit_button->setGeometry(width() - size.width(), (setting_look::header_height - size.height()) / 2,
-                             size.width(), size.height());
+    exit_button->setGeometry(width() - size.width(), (setting_look::header_height - size.height()) / 2, size.width(),
+                             size.height());
 
     setting_tab = new QTabWidget(this);
     setting_tab->setObjectName(QStringLiteral("setting_tab"));
@@ -359,7 +359,7 @@ QWidget* SettingBase::build_display_page()
     display_combo_privacy_mode = new TouchComboBox(page, "display_combo_privacy_mode");
     display_button_alldefault = make_button(page, "display_button_alldefault");
 
-    place_rows(page, picture_column(), 106,
+    place_rows(page, picture_column(), 98,
                {{display_label_menutime, display_combo_menutime},
                 {display_label_transparancy, display_combo_transparancy},
                 {display_label_aspect_ratio, display_combo_aspect_ratio},
@@ -416,7 +416,8 @@ QWidget* SettingBase::build_info_page()
     lines->setContentsMargins(14, 8, 14, 8);
     lines->setSpacing(4);
     const auto add_value = [lines](QLabel* label) {
-        label->setStyleSheet(QStringLiteral("color: white; margin-left: 12px;"));
+        label->setProperty("role", QStringLiteral("value"));
+        label->setWordWrap(true);
         // Codec names come from the file: they are text, never markup.
         label->setTextFormat(Qt::PlainText);
         lines->addWidget(label);
@@ -445,7 +446,7 @@ QWidget* SettingBase::build_about_page()
     about_label_notice = make_label(page, "about_label_notice");
     about_label_notice->setAlignment(Qt::AlignCenter);
     about_label_notice->setWordWrap(true);
-    about_label_notice->setStyleSheet(QStringLiteral("color: white;"));
+    about_label_notice->setProperty("role", QStringLiteral("notice"));
 
     auto* column = new QWidget(page);
     column->setGeometry(whole_page());

@@ -11,6 +11,8 @@ inline const QColor accent(255, 102, 0);
 inline const QColor text(255, 255, 255);
 inline const QColor label(255, 249, 178);
 inline const QColor backdrop(16, 17, 20, 232);
+/// The backdrop of a page that covers the film.
+inline const QColor cover(18, 19, 22, 250);
 inline const QColor header(8, 8, 10, 245);
 inline const QColor panel(255, 255, 255, 16);
 inline const QColor line(255, 255, 255, 44);
@@ -28,7 +30,7 @@ inline constexpr QRect lcd_picture(12, 64, 221, 126);
 /// The film's place on a TV, (93, 162) of the screen, seen from the form at (80, 104).
 inline constexpr QRect tv_picture(13, 58, 221, 126);
 /// Where the controls beside the picture begin and how wide they are.
-inline constexpr int column_left = 246;
+inline constexpr int column_left = 242;
 inline constexpr int column_width = form_size.width() - margin - column_left;
 
 } // namespace setting_look
