@@ -46,7 +46,7 @@ constexpr std::array<Recipe, 28> recipes = {{
     {"subtitles.mkv",    "-i SOURCE -i KOREAN -i ENGLISH", "-map 0:v -map 0:a -map 1 -map 2 X264 -c:a aac -c:s srt "
                          "-metadata:s:s:0 language=kor -metadata:s:s:1 language=eng"},
     {"anamorphic.mp4",   from_source, "-t 2 -vf setsar=2/1 X264 -c:a aac"},
-    {"rotated.mp4",      from_source, "-t 2 X264 -c:a aac -metadata:s:v:0 rotate=90"},
+    {"rotated.mp4",      "-i FILM", "-t 2 -c copy -metadata:s:v:0 rotate=90"},
     {"one_key_frame.mp4", from_source, "-c:v libx264 -preset ultrafast -g 9999 -keyint_min 9999 -sc_threshold 0 -pix_fmt yuv420p -c:a aac"},
     {"variable_rate.mkv", from_source, "-vf select=not(mod(n\\,7)*mod(n\\,5)) -vsync vfr X264 -c:a aac"},
     {"late_start.mkv",   "-itsoffset 2 -i SOURCE -i SOURCE", "-map 0:v -map 1:a X264 -c:a aac"},
@@ -153,6 +153,8 @@ QStringList words(const char* text)
             result += words(x264);
         } else if (word == QLatin1String("SOURCE")) {
             result += source();
+        } else if (word == QLatin1String("FILM")) {
+            result += test_films::path("h264.mp4");
         } else if (word == QLatin1String("KOREAN")) {
             result +=
                 subtitle_file(QStringLiteral("korean.srt"), "\xed\x95\x9c\xea\xb5\xad\xec\x96\xb4", "\xeb\x91\x98");

@@ -125,13 +125,16 @@ RaskStatus ScriptedFilm::play()
 
 RaskStatus ScriptedFilm::pause()
 {
-    const std::lock_guard lock(m_mutex);
-    if (!loaded())
-        return rask::wrong_state;
-    if (m_phase == Phase::Playing || scanning()) {
-        m_phase = Phase::Paused;
-        report_state(PlayerState::Paused);
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!loaded())
+            return rask::wrong_state;
+        if (m_phase == Phase::Playing || scanning()) {
+            m_phase = Phase::Paused;
+            report_state(PlayerState::Paused);
+        }
     }
+    m_reports.finish();
     return rask::ok;
 }
 
@@ -181,9 +184,15 @@ RaskStatus ScriptedFilm::set_speed(int code)
     return rask::ok;
 }
 
-RaskStatus ScriptedFilm::needs_file() const
+RaskStatus ScriptedFilm::select_stream(int kind, int track) const
 {
-    return is_open() ? rask::ok : rask::wrong_state;
+    const std::lock_guard lock(m_mutex);
+    if (kind != static_cast<int>(StreamKind::Audio))
+        return rask::out_of_range;
+    if (!loaded())
+        return rask::wrong_state;
+    const int tracks = Script::instance().info(QStringLiteral("container"), QStringLiteral("audio_streams")).toInt();
+    return track >= 1 && track <= tracks ? rask::ok : rask::out_of_range;
 }
 
 bool ScriptedFilm::is_open() const

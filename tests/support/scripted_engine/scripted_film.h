@@ -31,7 +31,7 @@ public:
     RaskStatus seek(Time target);
     RaskStatus scan(int rate, bool forward);
     RaskStatus set_speed(int code);
-    RaskStatus needs_file() const;
+    RaskStatus select_stream(int kind, int track) const;
     bool is_open() const;
     bool is_busy() const;
     int speed() const;

@@ -119,7 +119,7 @@ unsigned MediaPlayer::set_speed(int code)
 unsigned MediaPlayer::select_stream(int kind, int track)
 {
     const RaskStatus status = Private::call("select_stream", QStringLiteral("%1 %2").arg(kind).arg(track));
-    return status != rask::ok ? status : d->film.needs_file();
+    return status != rask::ok ? status : d->film.select_stream(kind, track);
 }
 
 unsigned MediaPlayer::open(const char* file_name)
