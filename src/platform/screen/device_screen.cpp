@@ -91,6 +91,7 @@ DeviceScreen::DeviceScreen()
     setOptimizationFlags(QGraphicsView::DontSavePainterState | QGraphicsView::DontAdjustForAntialiasing);
     QPalette black = palette();
     black.setColor(QPalette::Window, Qt::black);
+    black.setColor(QPalette::Base, Qt::black);
     setPalette(black);
     setAutoFillBackground(true);
     // The picture covers every pixel of the viewport; nothing has to be erased under it.
