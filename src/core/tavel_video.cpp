@@ -114,7 +114,7 @@ TavelVideo::TavelVideo(QWidget* parent, const char* name, unsigned int flags)
     menu_timer_ = new QTimer(this);
     window_timer_ = new QTimer(this);
     long_key_timer_ = new QTimer(this);
-    socket_ = new VeskSocket(SOCKET_PORT);
+    socket_ = new VeskSocket(socket_port_);
 
     init_signal_table();
     init_widgets();
@@ -156,6 +156,13 @@ TavelVideo::~TavelVideo()
     }
     delete socket_;
     socket_ = nullptr;
+}
+
+quint16 TavelVideo::socket_port_ = TavelVideo::SOCKET_PORT;
+
+void TavelVideo::set_socket_port(quint16 port)
+{
+    socket_port_ = port;
 }
 
 void TavelVideo::init_string_table()

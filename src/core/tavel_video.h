@@ -118,6 +118,11 @@ public:
     static void forget_seek_return();
     /// @}
 
+    /// Tests listen elsewhere; 0 lets the system choose. Takes effect for windows made from then on.
+    static void set_socket_port(quint16 port);
+    /// The socket shared with the navigation program. It belongs to the window.
+    const VeskSocket* socket() const { return socket_; }
+
     /// @name Where playback is
     /// @{
     /// Milliseconds; 0 when nothing is loaded. Any thread.
@@ -353,6 +358,7 @@ private:
     QTimer* menu_timer_ = nullptr;
     QTimer* window_timer_ = nullptr;
     QTimer* long_key_timer_ = nullptr;
+    static quint16 socket_port_;
     VeskSocket* socket_ = nullptr;
     QCopChannel* channel_ = nullptr;
 
