@@ -796,8 +796,7 @@ bool TavelVideo::load_movie()
     reset_display();
     const QString file = playlist_->get_filename(playlist_->get_now_playing());
     const QByteArray name = file.toUtf8();
-    subtitle_->set_subtitle(nullptr);
-    update_dictionary_button();
+    close_subtitles();
     if (open_in_engine(file) != rask::ok) {
         post_failure();
         return false;

@@ -136,8 +136,11 @@ void TavelVideo::post_held_back(const ReportGate::Held& held)
 /// Whatever was reported about the file before carries the old number from now on.
 unsigned int TavelVideo::open_in_engine(const QString& file)
 {
+    // Opening a file ends the life of the subtitle lists of the one before.
+    subtitle_->set_subtitle(nullptr);
     const unsigned int status = media_player_->open(file.toUtf8().constData());
     ++file_number_;
+    settings_->refresh_subtitle();
     return status;
 }
 

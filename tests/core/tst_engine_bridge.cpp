@@ -151,6 +151,7 @@ private slots:
     {
         counter.reset();
         scripted_engine::set_automatic_reports(true);
+        scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("subtitle_streams"), QStringLiteral("1"));
         scripted_engine::set_subtitles(0, {{1000, 2000, "one"}, {3000, 4000, "two"}});
         player->play_a_film();
         counter = std::make_unique<EventCounter>(player->window());
