@@ -19,7 +19,7 @@ void write(const QString& line)
     Script::instance().write(line);
 }
 
-template <typename Widget> Widget* top_level(const char* name)
+template<typename Widget> Widget* top_level(const char* name)
 {
     const auto widgets = QApplication::topLevelWidgets();
     for (QWidget* each : widgets)

@@ -31,10 +31,10 @@ class Player
 public:
     /// What a test wants to find at the start.
     struct Device {
-        QMap<QString, int> settings = {};   ///< "playback/trickmode" and the like
-        QStringList playlist = {};          ///< files of the stored playlist
-        int now_playing = 0;                ///< row of the stored playlist
-        unsigned int now_playing_time = 0;  ///< and its position
+        QMap<QString, int> settings = {};  ///< "playback/trickmode" and the like
+        QStringList playlist = {};         ///< files of the stored playlist
+        int now_playing = 0;               ///< row of the stored playlist
+        unsigned int now_playing_time = 0; ///< and its position
         bool with_skin = true;
         bool keep_files = false; ///< start on the files that an earlier player has left
     };
@@ -92,7 +92,7 @@ public:
     const QStringList& notices() const { return notices_; }
 
 private:
-    template <typename Widget> Widget* child(const char* name)
+    template<typename Widget> Widget* child(const char* name)
     {
         return window_->findChild<Widget*>(QString::fromLatin1(name));
     }

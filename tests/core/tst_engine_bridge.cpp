@@ -49,9 +49,8 @@ private slots:
     {
         TavelCallbacks callbacks;
         QCOMPARE(QString::fromLatin1(callbacks.metaObject()->className()), QStringLiteral("TavelCallbacks"));
-        for (const char* signal :
-             {"state_signal(PlayerState)", "time_signal(Time)", "error_signal(RaskStatus)",
-              "stream_signal(StreamType,StreamState)"})
+        for (const char* signal : {"state_signal(PlayerState)", "time_signal(Time)", "error_signal(RaskStatus)",
+                                   "stream_signal(StreamType,StreamState)"})
             QVERIFY2(callbacks.metaObject()->indexOfSignal(signal) >= 0, signal);
         QStringList seen;
         connect(&callbacks, &TavelCallbacks::state_signal,
