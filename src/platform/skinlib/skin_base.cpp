@@ -156,9 +156,12 @@ void SkinBase::change_state(SkinButton* button, SkinButton::State state, bool hi
     // A panel that still believed in the press would refuse every later one.
     if (button->state() == SkinButton::State::Pressed)
         m_pressed = false;
+    // The highlight goes elsewhere when the button can no longer have it, and comes back with it.
+    drawButton(focusButton());
     button->setState(state);
     button->setHidden(hidden);
     drawButton(button);
+    drawButton(focusButton());
 }
 
 void SkinBase::showFocus(const QString& name)
