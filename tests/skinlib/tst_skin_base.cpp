@@ -125,7 +125,7 @@ private slots:
     void more_buttons_than_a_screen_holds_are_cut_off();
 
 private:
-    QRgb pixel(const QPoint& position) const { return m_panel->grab().toImage().pixel(position); }
+    QRgb pixel(const QPoint& position) const { return m_panel->grab().toImage().pixelColor(position).rgba(); }
     QRgb button_pixel(const QString& name) const { return pixel(m_panel->button(name)->rectangle().center()); }
     QPoint middle(const QString& name) const { return m_panel->button(name)->rectangle().center(); }
     QStringList clicks() const;
@@ -227,7 +227,7 @@ void TestSkinBase::the_background_replaces_what_is_under_it()
     QImage canvas(200, 40, QImage::Format_ARGB32_Premultiplied);
     canvas.fill(Qt::yellow);
     m_panel->render(&canvas, QPoint(), QRegion(), QWidget::RenderFlags());
-    QCOMPARE(canvas.pixel(198, 2), qRgba(0, 0, 255, 80));
+    QCOMPARE(canvas.pixelColor(198, 2).rgba(), qRgba(0, 0, 255, 80));
 }
 
 void TestSkinBase::alpha_override_fades_background_and_buttons()
