@@ -156,6 +156,8 @@ void QPEApplication::showMainWidget(QWidget* widget)
     main_widget_ = widget;
     DeviceScreen* const screen = DeviceScreen::instance();
     connect(screen, &DeviceScreen::close_requested, this, &QPEApplication::request_close, Qt::UniqueConnection);
+    // The main widget covers the desktop, which does not begin at the origin of the plane.
+    widget->move(screen->desktop_geometry().topLeft());
     screen->embed(widget);
     widget->show();
 }
