@@ -59,7 +59,7 @@ QRect VideoPlane::window() const
 QSize VideoPlane::pixel_size() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_mapping.shown ? pixel_rectangle_locked().size() : QSize();
+    return m_mapping.shown ? pixel_rectangle_locked().size() : QSize(0, 0);
 }
 
 QRect VideoPlane::pixel_rectangle() const

@@ -101,5 +101,5 @@ private:
     std::recursive_mutex
         m_hook_mutex; ///< guards m_hook and m_notified_size, held while the hook runs; taken before m_mutex
     std::function<void()> m_hook;
-    QSize m_notified_size;
+    QSize m_notified_size{0, 0};
 };
