@@ -850,8 +850,8 @@ void TestPlayListStore::a_read_only_directory_costs_one_line_and_no_list()
     add(letters(3));
     panel_->save();
     const QString directory = lists_fixture::data_directory();
-    constexpr auto read_only =
-        QFileDevice::ReadOwner | QFileDevice::ExeOwner | QFileDevice::ReadOther | QFileDevice::ExeOther;
+    constexpr auto read_only = QFileDevice::ReadOwner | QFileDevice::ExeOwner | QFileDevice::ReadGroup |
+                               QFileDevice::ExeGroup | QFileDevice::ReadOther | QFileDevice::ExeOther;
     QFile::setPermissions(directory, read_only);
     // root may write everywhere: become nobody for a moment, who has to get as far as the directory.
     const uid_t user = ::geteuid();
