@@ -91,7 +91,10 @@ void TavelVideo::init_widgets()
 
     file_manager_->setCaption(tr("Video File Manager"));
     DeviceScreen* const screen = DeviceScreen::instance();
-    file_manager_->move(screen->desktop_geometry().topLeft());
+    const QPoint desktop = screen->desktop_geometry().topLeft();
+    file_manager_->move(desktop);
+    settings_->move(desktop);
+    move(desktop);
 
     screen->stack_under(this, settings_);
     screen->stack_under(this, file_manager_);
