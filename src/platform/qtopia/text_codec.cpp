@@ -7,6 +7,7 @@
 namespace
 {
 
+constexpr char code_page[] = "CP949";
 constexpr char widening_mark = '\xFF';
 
 struct CodecName {
@@ -72,19 +73,6 @@ qsizetype utf8_sequence_length(const char* bytes, qsizetype size)
     return QtPrivate::isValidUtf8(QByteArrayView(bytes, length)) ? length : 0;
 }
 
-// The end of what is handed to the C library as it stands. Beyond the basic plane a code page has nothing, and the
-// library would silently leave out some of it; the controls U+0080 to U+009F it writes into EUC-KR as bytes that begin
-// a syllable in CP949.
-const char* convertible_end(const char* utf8, const char* end)
-{
-    for (; utf8 < end; ++utf8) {
-        const auto byte = static_cast<uchar>(*utf8);
-        if (byte >= 0xF0 || (byte == 0xC2 && utf8 + 1 < end && static_cast<uchar>(utf8[1]) < 0xA0))
-            break;
-    }
-    return utf8;
-}
-
 // The character of such a sequence. Not QString::fromUtf8(), which drops a byte order mark.
 char32_t utf8_character(const char* bytes, qsizetype length)
 {
@@ -110,11 +98,14 @@ QString without_halves(QString text)
 
 } // namespace
 
-QTextCodec::QTextCodec(const char* name, const char* encoding) : name_(name), encoding_(encoding) {}
+QTextCodec::QTextCodec(const char* name)
+    : name_(name)
+{
+}
 
 QTextCodec* QTextCodec::codecForName(const char* name)
 {
-    static QTextCodec codecs[] = {{"CP949", "CP949"}, {"eucKR", "EUC-KR"}};
+    static QTextCodec codecs[] = {QTextCodec("CP949"), QTextCodec("eucKR")};
     for (const CodecName& known : names) {
         if (qstricmp(known.name, name) == 0)
             return &codecs[known.codec];
@@ -124,8 +115,7 @@ QTextCodec* QTextCodec::codecForName(const char* name)
 
 QString QTextCodec::toUnicode(const QByteArray& bytes) const
 {
-    // CP949 holds all of EUC-KR in the same places, so one table reads both.
-    const Conversion conversion("UTF-16LE", "CP949");
+    const Conversion conversion("UTF-16LE", code_page);
     const char replacement[] = "\xFD\xFF";
     QByteArray utf16;
     utf16.reserve(bytes.size() * 2);
@@ -158,14 +148,16 @@ QString QTextCodec::toUnicode(const QByteArray& bytes) const
 
 QByteArray QTextCodec::fromUnicode(const QString& text) const
 {
-    const Conversion conversion(encoding_, "UTF-8");
+    const Conversion conversion(code_page, "UTF-8");
     const QByteArray utf8 = (text.isValidUtf16() ? text : without_halves(text)).toUtf8();
     QByteArray bytes;
     bytes.reserve(utf8.size());
     const char* position = utf8.constData();
     const char* const end = position + utf8.size();
     while (position < end) {
-        const char* const plain_end = convertible_end(position, end);
+        // Beyond the basic plane the code page has nothing, and the C library would silently leave out some of it.
+        const char* const plain_end =
+            std::find_if(position, end, [](char byte) { return static_cast<uchar>(byte) >= 0xF0; });
         if (conversion.is_open())
             position += conversion.run(position, plain_end - position, bytes);
         if (position == end)

@@ -6,7 +6,8 @@
 /// The device's code pages, widened so that no character is lost.
 ///
 /// A character that the code page lacks travels as the byte 0xFF, which the code page never uses, followed by its UTF-8
-/// bytes; plain text of the code page is unchanged. Both directions know this. May be used on any thread.
+/// bytes; plain text of the code page is unchanged. "eucKR" reads and writes CP949, too, which holds all of EUC-KR in
+/// the same places and has the syllables that EUC-KR lacks. Both directions know this. May be used on any thread.
 class QTextCodec
 {
 public:
@@ -22,8 +23,7 @@ public:
     QByteArray name() const { return QByteArray(name_); }
 
 private:
-    QTextCodec(const char* name, const char* encoding);
+    explicit QTextCodec(const char* name);
 
     const char* name_;
-    const char* encoding_;
 };

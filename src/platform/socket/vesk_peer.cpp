@@ -52,24 +52,23 @@ bool VeskPeer::send(const QByteArray& line)
 
 void VeskPeer::read_one()
 {
-    if (dropped_ || !connection_->canReadLine()) {
+    // Asking for more than there is makes the connection listen again after its own buffer was full.
+    if (!dropped_ && connection_->isOpen())
+        buffer_ += connection_->read(limits_.line_bytes + 1 - buffer_.size());
+    const qsizetype end = dropped_ ? -1 : buffer_.indexOf('\n');
+    if (end < 0) {
         if (lost_) {
-            if (owes_answer_) {
-                owes_answer_ = false;
-                emit received(QString::fromLatin1(answer));
-            }
-            emit gone();
-            return;
-        }
-        const qint64 waiting = connection_->bytesAvailable();
-        if (waiting > limits_.line_bytes)
+            report_end();
+        } else if (buffer_.size() > limits_.line_bytes) {
             drop("its line is too long");
-        else if (waiting > 0 && !unfinished_line_.isActive())
+        } else if (!buffer_.isEmpty() && !unfinished_line_.isActive()) {
             unfinished_line_.start(limits_.unfinished_line);
+        }
         return;
     }
     unfinished_line_.stop();
-    const QByteArray line = connection_->readLine();
+    const QByteArray line = buffer_.first(end);
+    buffer_.remove(0, end + 1);
     if (is_flooding()) {
         drop("it sends too much");
         return;
@@ -80,9 +79,18 @@ void VeskPeer::read_one()
     report(line);
 }
 
+void VeskPeer::report_end()
+{
+    if (owes_answer_) {
+        owes_answer_ = false;
+        emit received(QString::fromLatin1(answer));
+    }
+    emit gone();
+}
+
 void VeskPeer::report(QByteArray line)
 {
-    while (line.endsWith('\n') || line.endsWith('\r'))
+    if (line.endsWith('\r'))
         line.chop(1);
     if (line.isEmpty())
         return;

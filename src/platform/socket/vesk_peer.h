@@ -30,13 +30,15 @@ signals:
 private:
     void read_one();
     void report(QByteArray line);
+    void report_end();
     void drop(const char* why);
     void lose_connection();
     bool is_flooding();
 
     QTcpSocket* connection_; // ours
     VeskSocket::Limits limits_;
-    QTimer next_line_; // one line each time the event loop has nothing more urgent
+    QByteArray buffer_; // read and not yet reported; a line at most
+    QTimer next_line_;  // one line each time the event loop has nothing more urgent
     QTimer unfinished_line_;
     QElapsedTimer second_;
     int lines_in_second_ = 0;
