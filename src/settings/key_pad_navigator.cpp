@@ -47,7 +47,8 @@ KeyPadNavigator::KeyPadNavigator(QWidget* form) : QObject(form), form_(form)
 {
     const auto children = form->findChildren<QWidget*>();
     for (QWidget* child : children) {
-        if (child->focusPolicy() == Qt::StrongFocus) {
+        // The list of a combo box is a window of its own with keys of its own.
+        if (child->focusPolicy() == Qt::StrongFocus && child->window() == form->window()) {
             controls_.append(child);
             child->installEventFilter(this);
         }

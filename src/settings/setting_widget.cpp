@@ -80,6 +80,8 @@ void SettingWidget::init_widgets()
     for (const setting_tables::ComboRow& row : setting_tables::combos) {
         for (const setting_tables::Choice& choice : row.choices)
             (this->*row.combo)->addItem(get_string(choice.text));
+        // What the file says nothing sensible about stays at its default.
+        reset_combo(row);
     }
     show_percent(video_label_red_precent, color_slider_red->value());
     show_percent(video_label_green_percent, color_slider_green->value());

@@ -16,6 +16,7 @@ struct Subtitle;
 namespace setting_tables
 {
 struct Choice;
+struct ComboRow;
 struct FileRow;
 } // namespace setting_tables
 
@@ -182,6 +183,7 @@ private:
     int stored_value(const setting_tables::FileRow& row) const;
     void apply_stored_value(const setting_tables::FileRow& row, int value);
     void store_track(const char* group, const QComboBox* combo);
+    void reset_combo(const setting_tables::ComboRow& row);
     void reset_combos(Page page);
     void show_shift(int tenths);
 

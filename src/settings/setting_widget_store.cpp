@@ -187,13 +187,17 @@ void SettingWidget::load_default_blue()
     color_slider_blue->setValue(color_default);
 }
 
+void SettingWidget::reset_combo(const setting_tables::ComboRow& row)
+{
+    QComboBox* combo = this->*row.combo;
+    choose(combo, combo->findText(get_string(row.standard), Qt::MatchFixedString | Qt::MatchCaseSensitive));
+}
+
 void SettingWidget::reset_combos(Page page)
 {
     for (const setting_tables::ComboRow& row : setting_tables::combos) {
         if (row.page == page)
-            choose(
-                this->*row.combo,
-                (this->*row.combo)->findText(get_string(row.standard), Qt::MatchFixedString | Qt::MatchCaseSensitive));
+            reset_combo(row);
     }
 }
 
