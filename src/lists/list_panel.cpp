@@ -56,6 +56,7 @@ ListPanel::ListPanel(QWidget* parent, const char* name, const QString& group, co
     list_box_->setRowHeight(row_height);
     list_box_->installEventFilter(this);
 
+    marquee_timer_.setObjectName(QStringLiteral("marquee"));
     marquee_timer_.setInterval(marquee_tick_ms);
 }
 

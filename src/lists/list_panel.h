@@ -80,7 +80,7 @@ private:
     QImage background_behind(const QRect& rectangle) const;
 
     std::unique_ptr<ListBoxSkin> list_box_;
-    QTimer marquee_timer_;
+    QTimer marquee_timer_{this};
 };
 
 template<typename Row> void ListPanel::remove_cursor_row()
