@@ -605,7 +605,7 @@ void TstDeviceOutput::a_window_repaints_itself_only()
     QTRY_COMPARE(viewport.count, 1);
     // The toolkit repaints a margin of a few pixels around what changed.
     QVERIFY2(QRect(6, 1, 28, 18).contains(viewport.region.boundingRect()),
-             qPrintable(QTest::toString(viewport.region.boundingRect())));
+             qPrintable(QDebug::toString(viewport.region.boundingRect())));
     QCOMPARE(scene.beside.paints, paints);
 }
 

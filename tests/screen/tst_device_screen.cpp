@@ -339,7 +339,7 @@ void TstDeviceScreen::a_message_box_is_answered_by_key()
         QTest::keyClick(DeviceScreen::instance()->windowHandle(), Qt::Key_Space);
     });
     QCOMPARE(box.exec(), int(QMessageBox::Ok));
-    QVERIFY2(whole.contains(place), qPrintable(QTest::toString(place)));
+    QVERIFY2(whole.contains(place), qPrintable(QDebug::toString(place)));
     QVERIFY(window.isActiveWindow());
 }
 
