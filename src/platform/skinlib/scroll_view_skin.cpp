@@ -158,8 +158,11 @@ void ScrollViewSkin::paintEvent(QPaintEvent* event)
     m_background.paint(this, event);
     QPainter painter(this);
     painter.setClipRect(event->rect());
-    const QRect contents = event->rect().intersected(QRect(0, 0, visibleWidth(), height()));
-    if (!contents.isEmpty()) {
+    // One rectangle at a time: between two rows that changed there may be many that did not.
+    for (const QRect& exposed : event->region()) {
+        const QRect contents = exposed.intersected(QRect(0, 0, visibleWidth(), height()));
+        if (contents.isEmpty())
+            continue;
         painter.save();
         painter.setClipRect(contents);
         drawContents(&painter, contents);
