@@ -95,7 +95,9 @@ void VolumeSkin::draw(QPainter* painter)
     const qreal opacity = painter->opacity();
     if (m_muted)
         painter->setOpacity(opacity * muted_opacity_percent / 100);
-    painter->drawImage(m_bar.topLeft(), m_bar_on, QRect(0, 0, lit, m_bar.height()));
+    // An empty source would stand for the whole picture.
+    if (lit > 0)
+        painter->drawImage(m_bar.topLeft(), m_bar_on, QRect(0, 0, lit, m_bar.height()));
     painter->setOpacity(opacity);
     painter->drawImage(m_mute.topLeft(), m_muted && !m_mute_on.isNull() ? m_mute_on : m_mute_off);
 }
