@@ -1,11 +1,13 @@
 #include "notice_box.h"
 
 #include <QEvent>
-#include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QPainterPath>
+#include <QStaticText>
+#include <QTextOption>
+#include <QtMath>
 
 #include "device_font.h"
 #include "window_flags.h"
@@ -13,37 +15,54 @@
 namespace
 {
 
-constexpr QMargins CONTENT_MARGINS(18, 38, 22, 18);
+// Geometry of the box, in pixels: a caption with a line under it, then the warning sign and the text beside it.
+constexpr int SIDE_MARGIN = 18;
 constexpr int CAPTION_HEIGHT = 28;
-constexpr int WINDOW_MARGIN = 20; ///< kept free at either side of a long notice
-constexpr qreal CORNER_RADIUS = 7;
+constexpr int CONTENT_MARGIN = 14; ///< above and below sign and text
 constexpr int ICON_SIZE = 32;
+constexpr int ICON_GAP = 14;
+constexpr int TEXT_LEFT = SIDE_MARGIN + ICON_SIZE + ICON_GAP;
+constexpr int LEAST_WIDTH = 220;
+constexpr int WINDOW_MARGIN = 20; ///< kept free on each side by a long notice
+constexpr QSize DEVICE_WINDOW(480, 272);
+constexpr qreal CORNER_RADIUS = 7;
 
-const QColor panel_color(16, 15, 14, 224);
+const QColor panel_color(16, 15, 14, 226);
+const QColor edge_color(255, 255, 255, 48);
 const QColor caption_color(255, 249, 178);
 const QColor text_color(255, 255, 255);
 const QColor accent_color(255, 148, 32);
 
-/// The warning sign in the skin's accent.
-QPixmap warning_picture(qreal pixel_ratio)
+/// A triangle with an exclamation mark, ICON_SIZE pixels square.
+void draw_warning_sign(QPainter& painter, const QPointF& top_left)
 {
-    QPixmap picture(QSize(ICON_SIZE, ICON_SIZE) * pixel_ratio);
-    picture.setDevicePixelRatio(pixel_ratio);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
+    painter.save();
+    painter.translate(top_left);
     QPainterPath triangle;
     triangle.moveTo(16, 4.5);
     triangle.lineTo(29, 27);
     triangle.lineTo(3, 27);
     triangle.closeSubpath();
-    painter.setPen(QPen(accent_color, 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(QPen(accent_color, 2.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawPath(triangle);
-    painter.drawLine(QPointF(16, 13), QPointF(16, 19));
+    painter.drawLine(QPointF(16, 13), QPointF(16, 18.5));
     painter.setPen(Qt::NoPen);
     painter.setBrush(accent_color);
-    painter.drawEllipse(QPointF(16, 23.2), 1.7, 1.7);
-    return picture;
+    painter.drawEllipse(QPointF(16, 23), 1.6, 1.6);
+    painter.restore();
+}
+
+/// @p text set in @p font and wrapped between words, or inside a word that is too long for @p width.
+QStaticText wrapped_text(const QString& text, const QFont& font, int width)
+{
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    QStaticText wrapped(text);
+    wrapped.setTextFormat(Qt::PlainText);
+    wrapped.setTextOption(option);
+    wrapped.setTextWidth(width);
+    wrapped.prepare(QTransform(), font);
+    return wrapped;
 }
 
 } // namespace
@@ -54,14 +73,15 @@ NoticeBox::NoticeBox(const QString& caption, const QString& text, QWidget* paren
     // The constructor adds an OK button where none is asked for.
     setStandardButtons(NoButton);
     setModal(true);
-    apply_look();
+    setAttribute(Qt::WA_TranslucentBackground);
+    setFont(device_font(QStringLiteral("v28"), 16, 50));
     timer_.setSingleShot(true);
     connect(&timer_, SIGNAL(timeout()), this, SLOT(time_out()));
 }
 
 int NoticeBox::exec()
 {
-    adjustSize();
+    fit_to_window();
     timer_.start(display_time_ms_);
     return isVisible() ? 0 : QDialog::exec();
 }
@@ -102,7 +122,8 @@ bool NoticeBox::eventFilter(QObject* object, QEvent* event)
 bool NoticeBox::event(QEvent* event)
 {
     const bool handled = QMessageBox::event(event);
-    if (event->type() == QEvent::LayoutRequest)
+    // The toolkit has just sized the box for its own layout.
+    if (event->type() == QEvent::LayoutRequest && size() != sizeHint())
         fit_to_window();
     return handled;
 }
@@ -120,47 +141,51 @@ void NoticeBox::hideEvent(QHideEvent* event)
     QMessageBox::hideEvent(event);
 }
 
+QSize NoticeBox::sizeHint() const
+{
+    const QSize host = parentWidget() ? parentWidget()->window()->size() : DEVICE_WINDOW;
+    const QSize widest = (host - QSize(2 * WINDOW_MARGIN, 2 * WINDOW_MARGIN)).expandedTo(QSize(LEAST_WIDTH, 0));
+    const int frame_width = TEXT_LEFT + SIDE_MARGIN;
+    const int frame_height = CAPTION_HEIGHT + 2 * CONTENT_MARGIN;
+    const QSizeF content = wrapped_text(text(), font(), widest.width() - frame_width).size();
+    const QSize needed(frame_width + qCeil(content.width()),
+                       frame_height + std::max(qCeil(content.height()), ICON_SIZE));
+    return needed.boundedTo(widest.expandedTo(QSize(0, frame_height + ICON_SIZE))).expandedTo(QSize(LEAST_WIDTH, 0));
+}
+
 void NoticeBox::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF outline = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
-    painter.setPen(QPen(QColor(255, 255, 255, 48), 1));
+    painter.setPen(QPen(edge_color, 1));
     painter.setBrush(panel_color);
-    painter.drawRoundedRect(outline, CORNER_RADIUS, CORNER_RADIUS);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), CORNER_RADIUS, CORNER_RADIUS);
 
+    const int content_width = width() - 2 * SIDE_MARGIN;
     painter.setPen(caption_color);
     painter.setFont(device_font(QStringLiteral("v28"), 13, 75));
-    painter.drawText(QRect(CONTENT_MARGINS.left(), 0, width() - 2 * CONTENT_MARGINS.left(), CAPTION_HEIGHT),
-                     Qt::AlignLeft | Qt::AlignVCenter, windowTitle());
-    painter.fillRect(QRect(CONTENT_MARGINS.left(), CAPTION_HEIGHT, width() - 2 * CONTENT_MARGINS.left(), 1),
-                     accent_color);
-}
+    painter.drawText(QRect(SIDE_MARGIN, 0, content_width, CAPTION_HEIGHT), Qt::AlignLeft | Qt::AlignVCenter,
+                     windowTitle());
+    painter.fillRect(QRect(SIDE_MARGIN, CAPTION_HEIGHT - 1, content_width, 1), accent_color);
 
-void NoticeBox::apply_look()
-{
-    setAttribute(Qt::WA_TranslucentBackground);
-    setFont(device_font(QStringLiteral("v28"), 15, 50));
-    QPalette colors = palette();
-    colors.setColor(QPalette::WindowText, text_color);
-    setPalette(colors);
-    layout()->setContentsMargins(CONTENT_MARGINS);
-    if (auto* icon_label = findChild<QLabel*>(QStringLiteral("qt_msgboxex_icon_label")))
-        icon_label->setPixmap(warning_picture(2));
+    const QRect content(SIDE_MARGIN, CAPTION_HEIGHT, content_width, height() - CAPTION_HEIGHT);
+    draw_warning_sign(painter, QPointF(content.left(), content.top() + (content.height() - ICON_SIZE) / 2.0));
+    painter.setPen(text_color);
+    painter.setFont(font());
+    const QStaticText wrapped = wrapped_text(text(), font(), width() - TEXT_LEFT - SIDE_MARGIN);
+    painter.setClipRect(content);
+    const qreal above = std::max<qreal>(CONTENT_MARGIN, (content.height() - wrapped.size().height()) / 2);
+    painter.drawStaticText(QPointF(TEXT_LEFT, content.top() + above), wrapped);
 }
 
 void NoticeBox::fit_to_window()
 {
-    if (!parentWidget() || !isVisible())
-        return;
-    const QRect host = parentWidget()->window()->geometry();
-    // The toolkit's own limit follows the host's display, which may be much wider than the player's window.
-    const int widest = host.width() - 2 * WINDOW_MARGIN;
-    if (width() > widest) {
-        if (auto* text_label = findChild<QLabel*>(QStringLiteral("qt_msgbox_label")))
-            text_label->setWordWrap(true);
-        layout()->activate();
-        setFixedSize(widest, layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(widest) : height());
-    }
-    move(host.center() - rect().center());
+    // The toolkit's own labels would be laid out for the host's display and its style; the notice is painted whole.
+    const QList<QLabel*> labels = findChildren<QLabel*>();
+    for (QLabel* label : labels)
+        label->hide();
+    setFixedSize(sizeHint());
+    if (parentWidget())
+        move(parentWidget()->window()->geometry().center() - rect().center());
+    update();
 }

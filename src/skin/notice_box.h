@@ -23,6 +23,7 @@ public:
     void set_display_time(int display_time_ms);
     int display_time() const { return display_time_ms_; }
 
+    QSize sizeHint() const override;
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private slots:
@@ -34,10 +35,10 @@ protected:
     void hideEvent(QHideEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
-private:
-    void apply_look();
+    /// Takes the size that the text needs and the middle of the parent's window.
     void fit_to_window();
 
+private:
     QTimer timer_{this};
     int display_time_ms_;
 };

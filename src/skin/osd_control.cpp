@@ -3,6 +3,9 @@
 #include <array>
 #include <vector>
 
+#include <QGraphicsProxyWidget>
+#include <QGraphicsScene>
+#include <QGraphicsView>
 #include <QMouseEvent>
 
 #include "text_codec.h"
@@ -13,6 +16,8 @@ namespace
 
 constexpr unsigned int INNER_RING = 0xFF000000;
 constexpr unsigned int OUTER_RING = 0xC0000000;
+/// Beyond this the picture is enlarged: no display is sharp enough to tell, and the text costs too much.
+constexpr qreal LARGEST_SCALE = 4;
 
 const QTextCodec* device_codec()
 {
@@ -58,8 +63,7 @@ void OsdControl::setGeometry(int x, int y, int w, int h)
         update();
         return;
     }
-    fit_blank_background();
-    show_background(blank_background_);
+    clear_background();
 }
 
 void OsdControl::setGeometry(const QRect& rectangle)
@@ -90,35 +94,57 @@ void OsdControl::set_bgcolor(unsigned int pixel)
 
 void OsdControl::clear()
 {
-    fit_blank_background();
-    show_background(blank_background_);
+    clear_background();
 }
 
 void OsdControl::draw(const QString& text)
 {
-    fit_blank_background();
-    QImage image = blank_background_.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    if (image.isNull())
-        return;
-    if (outlined_)
-        draw_outlined(image, text);
-    else
-        draw_shadowed(image, text);
-    show_background(QPixmap::fromImage(std::move(image)));
+    text_ = text;
+    render();
+    update();
 }
 
-void OsdControl::draw_shadowed(QImage& image, const QString& text)
+void OsdControl::render()
+{
+    fit_blank_background();
+    QImage image = blank_background_.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull()) {
+        background_.set(QPixmap());
+        return;
+    }
+    const qreal scale = display_scale();
+    if (scale != 1) {
+        image = image.scaled((QSizeF(size()) * scale).toSize());
+        image.setDevicePixelRatio(scale);
+    }
+    if (outlined_)
+        draw_outlined(image);
+    else
+        draw_shadowed(image);
+    background_.set(QPixmap::fromImage(std::move(image)));
+}
+
+qreal OsdControl::display_scale() const
+{
+    const QGraphicsProxyWidget* item = window()->graphicsProxyWidget();
+    if (!item || !item->scene() || item->scene()->views().isEmpty())
+        return 1;
+    const QGraphicsView* view = item->scene()->views().constFirst();
+    return std::clamp<qreal>(view->transform().m11() * view->devicePixelRatio(), 1, LARGEST_SCALE);
+}
+
+void OsdControl::draw_shadowed(QImage& image)
 {
     painter_.begin(&image);
     painter_.setFont(font());
     painter_.setPen(Qt::black);
-    painter_.drawText(QRect(QPoint(1, 1), size()), alignment_, text);
+    painter_.drawText(QRect(QPoint(1, 1), size()), alignment_, text_);
     painter_.setPen(text_color_);
-    painter_.drawText(rect(), alignment_, text);
+    painter_.drawText(rect(), alignment_, text_);
     painter_.end();
 }
 
-void OsdControl::draw_outlined(QImage& image, const QString& text)
+void OsdControl::draw_outlined(QImage& image)
 {
     QFont whole_pixel_font = font();
     // The blue byte stands for the coverage of the whole pixel.
@@ -127,7 +153,7 @@ void OsdControl::draw_outlined(QImage& image, const QString& text)
     painter_.begin(&image);
     painter_.setFont(whole_pixel_font);
     painter_.setPen(Qt::white);
-    painter_.drawText(rect(), alignment_, text);
+    painter_.drawText(rect(), alignment_, text_);
     painter_.end();
 
     std::array<quint32, 256> pixel_of_coverage;
@@ -147,9 +173,18 @@ void OsdControl::draw_outlined(QImage& image, const QString& text)
 
     // All the pixels from here on are opaque or black: with and without premultiplied alpha they are the same words.
     image.reinterpretAsFormat(QImage::Format_ARGB32);
-    draw_outline(image, INNER_RING);
-    draw_outline(image, OUTER_RING);
+    const int ring_width = std::max(1, qRound(image.devicePixelRatio()));
+    add_ring(image, INNER_RING, ring_width);
+    add_ring(image, OUTER_RING, ring_width);
     image.reinterpretAsFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+void OsdControl::add_ring(QImage& image, unsigned int colour, int width)
+{
+    // Pixels of the pass's own colour give no ring: each further pass has a blue that nobody can tell from the last
+    // one.
+    for (int pass = 0; pass < width; ++pass)
+        draw_outline(image, colour + static_cast<unsigned int>(pass));
 }
 
 void OsdControl::draw_outline(QImage& image, unsigned int colour)
@@ -195,12 +230,16 @@ void OsdControl::mousePressEvent(QMouseEvent* event)
 
 void OsdControl::paintEvent(QPaintEvent* event)
 {
+    if (!text_.isEmpty() && background_.pixmap().devicePixelRatio() != display_scale())
+        render();
     background_.paint(this, event);
 }
 
-void OsdControl::show_background(const QPixmap& pixmap)
+void OsdControl::clear_background()
 {
-    background_.set(pixmap);
+    text_.clear();
+    fit_blank_background();
+    background_.set(blank_background_);
     update();
 }
 

@@ -11,7 +11,8 @@ class QTextCodec;
 
 /// Text over the film: a transparent widget that renders a string once and keeps it as its background.
 ///
-/// Repainting costs no text drawing. The text has either a drop shadow or an outline of two rings, one pixel each.
+/// Repainting costs no text drawing. The text has either a drop shadow or an outline of two rings, one pixel each. On a
+/// display that shows the player enlarged the text is rendered at the display's own pixels, with rings as wide there.
 /// GUI thread only, but for toUniString().
 class OsdControl : public QWidget
 {
@@ -31,7 +32,8 @@ public:
     void setGeometry(int x, int y, int w, int h);
     void setGeometry(const QRect& rectangle);
 
-    /// What is shown now: the blank background, or the text on a copy of it. Null before the first size.
+    /// What is shown now: the blank background, or the text on a copy of it. Null before the first size. Its device
+    /// pixel ratio is the display's scale when the text was rendered, 1 where the player is not enlarged.
     QPixmap background_pixmap() const { return background_.pixmap(); }
 
     /// Turns a string that carries code page bytes (one a character) into Unicode; any thread.
@@ -63,10 +65,13 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void show_background(const QPixmap& pixmap);
+    void clear_background();
     void fit_blank_background();
-    void draw_shadowed(QImage& image, const QString& text);
-    void draw_outlined(QImage& image, const QString& text);
+    void render();
+    void draw_shadowed(QImage& image);
+    void draw_outlined(QImage& image);
+    void add_ring(QImage& image, unsigned int colour, int width);
+    qreal display_scale() const;
 
     int alignment_ = Qt::AlignBottom | Qt::AlignHCenter;
     QPixmap blank_background_;
@@ -75,5 +80,6 @@ private:
     unsigned int background_color_ = 0;
     const QTextCodec* codec_;
     QPainter painter_;
+    QString text_; ///< what is shown; kept for a display that changes its scale
     BackgroundPixmap background_;
 };

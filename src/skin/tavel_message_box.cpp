@@ -3,5 +3,5 @@
 TavelMessageBox::TavelMessageBox(const QString& caption, const QString& text, QWidget* parent)
     : NoticeBox(caption, text, parent, DEFAULT_DISPLAY_TIME_MS)
 {
-    adjustSize();
+    fit_to_window();
 }

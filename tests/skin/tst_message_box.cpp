@@ -232,6 +232,8 @@ private slots:
         QTest::newRow("one line") << QString("The file cannot be played on this device.");
         QTest::newRow("very long") << QString("/media/films/a directory with a long name/") +
                                           QString("word ").repeated(30);
+        QTest::newRow("longer than the window") << QString("word ").repeated(900);
+        QTest::newRow("a word without an end") << QString("x").repeated(300);
         QTest::newRow("Korean") << QString::fromUtf8("재생 목록이 가득 찼습니다. 더 이상 추가할 수 없습니다.");
     }
 

@@ -1,6 +1,7 @@
 #include <random>
 
 #include "device_font.h"
+#include "device_screen.h"
 #include "osd_control.h"
 #include "overlay_reference.h"
 #include "test_main.h"
@@ -339,6 +340,43 @@ private slots:
         QCOMPARE(painted.pixel(5, 5), 0xFFFF0000U);
         QCOMPARE(painted.pixel(15, 15), 0x40000000U);
         QCOMPARE(painted.pixel(31, 15), 0xFFFF0000U);
+    }
+
+    void enlarged_display_gets_the_text_at_its_own_pixels()
+    {
+        DeviceScreen* screen = DeviceScreen::instance();
+        QWidget window;
+        window.setGeometry(screen->desktop_geometry());
+        OsdControl overlay(&window, "overlay", 0);
+        overlay.setFont(device_font("v28", 30, 87));
+        overlay.setGeometry(0, 0, 200, 60);
+        overlay.set_align(Qt::AlignCenter);
+        overlay.set_text_color(Qt::white, true);
+        window.show();
+        screen->resize(480, 272);
+        overlay.draw("I");
+        QCOMPARE(overlay.background_pixmap().size(), QSize(200, 60));
+        const QRect at_1x = drawn_rectangle(shown(overlay));
+
+        // What is shown already is rendered anew as soon as it is painted.
+        screen->resize(960, 544);
+        screen->grab_output();
+        QCOMPARE(overlay.background_pixmap().devicePixelRatio(), 2.0);
+        QCOMPARE(overlay.background_pixmap().size(), QSize(400, 120));
+        const QImage image = shown(overlay);
+        const QRect drawn = drawn_rectangle(image);
+        QVERIFY(qAbs(drawn.width() - 2 * at_1x.width()) <= 3);
+        // Rings of two pixels each, black to the eye.
+        const int y = drawn.center().y();
+        for (int x = 0; x < 2; ++x) {
+            QCOMPARE(image.pixel(drawn.left() + x, y) & 0xFFFFFF00, 0xC0000000U);
+            QCOMPARE(image.pixel(drawn.left() + 2 + x, y) & 0xFFFFFF00, 0xFF000000U);
+        }
+        QVERIFY(qGray(image.pixel(drawn.left() + 6, y)) > 200);
+
+        overlay.clear();
+        QVERIFY(drawn_rectangle(shown(overlay)).isEmpty());
+        screen->resize(480, 272);
     }
 
     void code_page_bytes_become_unicode()
