@@ -24,10 +24,107 @@
     </message>
 </context>
 <context>
+    <name>FileManager</name>
+    <message>
+        <source>Play</source>
+        <translation>재생</translation>
+    </message>
+    <message>
+        <source>Add</source>
+        <translation>추가</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>선택</translation>
+    </message>
+    <message>
+        <source>All</source>
+        <translation>모두</translation>
+    </message>
+    <message>
+        <source>No longer there: %1</source>
+        <translation>더 이상 없음: %1</translation>
+    </message>
+    <message>
+        <source>Reading…</source>
+        <translation>읽는 중…</translation>
+    </message>
+    <message>
+        <source>Choose a film first.</source>
+        <translation>먼저 동영상을 고르세요.</translation>
+    </message>
+    <message>
+        <source>Looking for films…</source>
+        <translation>동영상을 찾는 중…</translation>
+    </message>
+    <message>
+        <source>%1 chosen</source>
+        <translation>%1개 선택</translation>
+    </message>
+    <message>
+        <source>%1 films</source>
+        <translation>동영상 %1개</translation>
+    </message>
+    <message>
+        <source>No films here</source>
+        <translation>동영상이 없습니다</translation>
+    </message>
+    <message>
+        <source>Left out, names that cannot be used: %1</source>
+        <translation>이름 때문에 제외됨: %1</translation>
+    </message>
+    <message>
+        <source>%1 cannot be read: %2</source>
+        <translation>%1을(를) 읽을 수 없음: %2</translation>
+    </message>
+    <message>
+        <source>Cannot be read: %1</source>
+        <translation>읽을 수 없음: %1</translation>
+    </message>
+    <message>
+        <source>There are no films in this choice.</source>
+        <translation>선택한 것 중에 동영상이 없습니다.</translation>
+    </message>
+</context>
+<context>
+    <name>FileManagerDelegate</name>
+    <message>
+        <source>Folder above</source>
+        <translation>상위 폴더</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>폴더</translation>
+    </message>
+    <message>
+        <source>Play list</source>
+        <translation>재생 목록</translation>
+    </message>
+    <message>
+        <source>%1 KB</source>
+        <translation>%1 KB</translation>
+    </message>
+    <message>
+        <source>%1 MB</source>
+        <translation>%1 MB</translation>
+    </message>
+    <message>
+        <source>%1 GB</source>
+        <translation>%1 GB</translation>
+    </message>
+</context>
+<context>
     <name>PlayListWidget</name>
     <message>
         <source>PLAY LIST</source>
         <translation>재생 목록</translation>
+    </message>
+</context>
+<context>
+    <name>ScreenSaverHold</name>
+    <message>
+        <source>Playing a video</source>
+        <translation>동영상 재생 중</translation>
     </message>
 </context>
 <context>
@@ -365,6 +462,158 @@ Nanum fonts: SIL Open Font License 1.1.</source>
     <message>
         <source>Sampling Rate : </source>
         <translation>샘플링 속도 : </translation>
+    </message>
+</context>
+<context>
+    <name>TavelVideo</name>
+    <message>
+        <source>[ PLAY ]</source>
+        <translation>[ 재생 ]</translation>
+    </message>
+    <message>
+        <source>[ STOP ]</source>
+        <translation>[ 정지 ]</translation>
+    </message>
+    <message>
+        <source>[ PAUSE]</source>
+        <translation>[ 일시정지 ]</translation>
+    </message>
+    <message>
+        <source>[ SEEK ]</source>
+        <translation>[ 이동 ]</translation>
+    </message>
+    <message>
+        <source>FORWARD </source>
+        <translation>앞으로 </translation>
+    </message>
+    <message>
+        <source>BACKWARD </source>
+        <translation>뒤로 </translation>
+    </message>
+    <message>
+        <source>[ SKIP FORWARD ]</source>
+        <translation>[ 앞으로 건너뛰기 ]</translation>
+    </message>
+    <message>
+        <source>[ SKIP BACKWARD ]</source>
+        <translation>[ 뒤로 건너뛰기 ]</translation>
+    </message>
+    <message>
+        <source> SEC</source>
+        <translation>초</translation>
+    </message>
+    <message>
+        <source>[ BOOKMARK ]</source>
+        <translation>[ 책갈피 ]</translation>
+    </message>
+    <message>
+        <source>[ A SET ]</source>
+        <translation>[ A 지점 설정 ]</translation>
+    </message>
+    <message>
+        <source>[ B SET ]</source>
+        <translation>[ B 지점 설정 ]</translation>
+    </message>
+    <message>
+        <source>[ AB RELEASED ]</source>
+        <translation>[ 구간 반복 해제 ]</translation>
+    </message>
+    <message>
+        <source>[ FAST FORWARD ]</source>
+        <translation>[ 빨리 감기 ]</translation>
+    </message>
+    <message>
+        <source>[ FAST REWIND ]</source>
+        <translation>[ 되감기 ]</translation>
+    </message>
+    <message>
+        <source>[ SPEED ]</source>
+        <translation>[ 속도 ]</translation>
+    </message>
+    <message>
+        <source>MUTE</source>
+        <translation>음소거</translation>
+    </message>
+    <message>
+        <source>MASTER VOLUME</source>
+        <translation>전체 음량</translation>
+    </message>
+    <message>
+        <source>AUDIO : </source>
+        <translation>음성 : </translation>
+    </message>
+    <message>
+        <source>SUBTITLE :</source>
+        <translation>자막 :</translation>
+    </message>
+    <message>
+        <source>Now Loading...</source>
+        <translation>불러오는 중...</translation>
+    </message>
+    <message>
+        <source>Stopping...</source>
+        <translation>정지하는 중...</translation>
+    </message>
+    <message>
+        <source>VIDEO</source>
+        <translation>동영상</translation>
+    </message>
+    <message>
+        <source>FILE NOT FOUND.</source>
+        <translation>파일을 찾을 수 없습니다.</translation>
+    </message>
+    <message>
+        <source>CAN NOT EXECUTE FILE.</source>
+        <translation>파일을 재생할 수 없습니다.</translation>
+    </message>
+    <message>
+        <source>SPDIF 5.1CH OUT.</source>
+        <translation>SPDIF 5.1채널로 출력합니다.</translation>
+    </message>
+    <message>
+        <source>This video has a resolution
+greater than 480*360 and is not
+guaranteed to play back properly.</source>
+        <translation>이 동영상은 해상도가 480*360보다 커서
+제대로 재생되지 않을 수 있습니다.</translation>
+    </message>
+    <message>
+        <source>Bookmark list is full.
+Please remove some before adding new ones.</source>
+        <translation>책갈피 목록이 가득 찼습니다.
+새로 넣기 전에 몇 개를 지워 주세요.</translation>
+    </message>
+    <message>
+        <source>Navigation Application running!
+Can't Execute Video Player</source>
+        <translation>내비게이션이 실행 중입니다!
+동영상을 재생할 수 없습니다.</translation>
+    </message>
+    <message>
+        <source>TV-OUT UNSUPPORT MEDIA</source>
+        <translation>TV 출력을 지원하지 않는 동영상입니다.</translation>
+    </message>
+    <message>
+        <source>A system error occured while attempting
+ to play the last video file.</source>
+        <translation>마지막 동영상을 재생하는 중에
+ 시스템 오류가 발생했습니다.</translation>
+    </message>
+    <message>
+        <source>YES</source>
+        <translation>예</translation>
+    </message>
+    <message>
+        <source>NO</source>
+        <translation>아니요</translation>
+    </message>
+    <message>
+        <source>Video File Manager</source>
+        <translation>동영상 파일 관리자</translation>
+    </message>
+    <message>
+        <source>Playlist is full.  Please remove files before adding new ones.</source>
+        <translation>재생 목록이 가득 찼습니다.  새로 넣기 전에 파일을 지워 주세요.</translation>
     </message>
 </context>
 <context>

@@ -42,13 +42,13 @@ QTabBar::tab:selected:focus { background: rgb(255, 102, 0); }
 QComboBox, QPushButton, QLineEdit {
     background: rgba(255, 255, 255, 26); border: 1px solid rgba(255, 255, 255, 70); border-radius: 5px; min-height: 26px;
 }
-QComboBox { padding: 0 18px 0 7px; }
+QComboBox { padding: 0 17px 0 6px; }
 QComboBox::drop-down { border: none; width: 0; }
 QComboBox::down-arrow { image: none; }
 QLineEdit { padding: 0; border-color: rgba(255, 255, 255, 30); background: transparent; }
 QComboBox:disabled, QPushButton:disabled { color: rgb(120, 120, 120); border-color: rgba(255, 255, 255, 26); }
 QComboBox:focus, QPushButton:focus { background: rgba(255, 102, 0, 60); border: 2px solid rgb(255, 102, 0); }
-QComboBox:focus { padding: 0 17px 0 6px; }
+QComboBox:focus { padding: 0 16px 0 5px; }
 QPushButton:pressed { background: rgb(255, 102, 0); }
 QComboBox QAbstractItemView {
     background: rgb(28, 29, 33); border: 1px solid rgb(255, 102, 0); outline: none;
@@ -359,7 +359,7 @@ QWidget* SettingBase::build_display_page()
     display_combo_privacy_mode = new TouchComboBox(page, "display_combo_privacy_mode");
     display_button_alldefault = make_button(page, "display_button_alldefault");
 
-    place_rows(page, picture_column(), 98,
+    place_rows(page, picture_column(), 100,
                {{display_label_menutime, display_combo_menutime},
                 {display_label_transparancy, display_combo_transparancy},
                 {display_label_aspect_ratio, display_combo_aspect_ratio},

@@ -9,7 +9,7 @@ namespace
 
 constexpr int arrow_width = 9;
 constexpr int arrow_height = 5;
-constexpr int arrow_margin = 8;
+constexpr int arrow_margin = 6;
 
 } // namespace
 

@@ -98,7 +98,10 @@ QString without_halves(QString text)
 
 } // namespace
 
-QTextCodec::QTextCodec(const char* name) : name_(name) {}
+QTextCodec::QTextCodec(const char* name)
+    : name_(name)
+{
+}
 
 QTextCodec* QTextCodec::codecForName(const char* name)
 {
