@@ -112,8 +112,11 @@ TavelVideo::TavelVideo(QWidget* parent, const char* name, unsigned int flags)
     create_panels();
 
     menu_timer_ = new QTimer(this);
+    menu_timer_->setObjectName(QStringLiteral("menu_timer"));
     window_timer_ = new QTimer(this);
+    window_timer_->setObjectName(QStringLiteral("window_timer"));
     long_key_timer_ = new QTimer(this);
+    long_key_timer_->setObjectName(QStringLiteral("long_key_timer"));
     socket_ = new VeskSocket(socket_port_);
 
     init_signal_table();

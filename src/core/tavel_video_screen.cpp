@@ -168,6 +168,8 @@ void TavelVideo::to_tv()
     wait_for_plane();
     subtitle_->setParent(nullptr, window_flags(DETACHED_SUBTITLE_FLAGS));
     subtitle_->move(0, 0);
+    // A window of its own, but the keys stay with the player's.
+    subtitle_->setAttribute(Qt::WA_ShowWithoutActivating);
     subtitle_->setFocusPolicy(Qt::NoFocus);
     set_subtitle_widget(SUBTITLE_STATE::FullScreen);
     subtitle_->setEnabled(true);

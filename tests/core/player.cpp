@@ -41,6 +41,10 @@ void lay_out_device(const Player::Device& device)
     const QString pictures = QPEApplication::qpeDir() + QStringLiteral("pics");
     QFile::remove(pictures);
     QDir(pictures).removeRecursively();
+    DeviceScreen* const screen = DeviceScreen::instance();
+    screen->set_output(DeviceScreen::Output::Lcd);
+    screen->control(QStringLiteral("/dev/fb2 enable 0 size 640 480 origin 80 104 position 0 0 enable 1"));
+    screen->control(QStringLiteral("/dev/fb1 size 480 272"));
     if (device.with_skin)
         QFile::link(QStringLiteral(TAVEL_SKIN_DIR), pictures);
     if (!device.playlist.isEmpty()) {
@@ -136,6 +140,11 @@ void Player::post(int number, std::any payload)
     post_custom_event(window_.get(), number, std::move(payload));
 }
 
+void Player::control_event(const char* button)
+{
+    emit control_bar()->button_clicked(control_bar(), QString::fromLatin1(button));
+}
+
 void Player::seek_to(Time target, SeekMode mode)
 {
     post(player_event::seek, player_event::SeekRequest{mode, 0, target, 0});
@@ -186,6 +195,34 @@ bool Player::informs(const QString& text)
     return expected.background_pixmap().toImage() == information()->background_pixmap().toImage();
 }
 
+void Player::press(int key, bool auto_repeat)
+{
+    QWindow* const host = DeviceScreen::instance()->window()->windowHandle();
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, QString(), auto_repeat);
+    QCoreApplication::sendEvent(host, &event);
+}
+
+void Player::release(int key, bool auto_repeat)
+{
+    QWindow* const host = DeviceScreen::instance()->window()->windowHandle();
+    QKeyEvent event(QEvent::KeyRelease, key, Qt::NoModifier, QString(), auto_repeat);
+    QCoreApplication::sendEvent(host, &event);
+}
+
+void Player::click(int key)
+{
+    press(key);
+    release(key);
+}
+
+void Player::tap(const QPoint& place)
+{
+    DeviceScreen* const screen = DeviceScreen::instance();
+    const QPoint in_view = screen->mapFromScene(place);
+    QTest::mouseClick(screen->window()->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                      screen->viewport()->mapTo(screen->window(), in_view));
+}
+
 void Player::at_next_notice(std::function<void()> then)
 {
     at_notices_.push_back(std::move(then));
@@ -233,6 +270,16 @@ void Player::listen(const char* channel)
                          }
                          write(line.join(u' '));
                      });
+}
+
+bool EventCounter::eventFilter(QObject*, QEvent* event)
+{
+    if (const auto* const custom = dynamic_cast<const QCustomEvent*>(event)) {
+        numbers.append(custom->type());
+        if (const auto* const request = custom->data<player_event::SeekRequest>())
+            seeks.append(*request);
+    }
+    return false;
 }
 
 QString describe(const QStringList& log)

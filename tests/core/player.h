@@ -67,6 +67,8 @@ public:
     void hand_over(const QStringList& files);
     void message(const QCString& message, const std::function<void(QDataStream&)>& arguments);
     void post(int number, std::any payload = {});
+    /// A click on a button of the control bar.
+    void control_event(const char* button);
     void seek_to(Time target, SeekMode mode = SeekMode::Forward);
 
     /// Lets everything that is under way happen: posted events, reports, and what they lead to.
@@ -86,6 +88,13 @@ public:
     SkinButton::State state_of(const QString& button) { return control_bar()->button(button)->state(); }
     /// Whether the information text on screen is @p text.
     bool informs(const QString& text);
+
+    /// Keys of the host's keyboard and taps on the host's window; a tap's place is in pixels of the output.
+    void press(int key, bool auto_repeat = false);
+    void release(int key, bool auto_repeat = false);
+    void click(int key);
+    void tap(const QPoint& place);
+    QTimer* timer(const char* name) { return child<QTimer>(name); }
 
     /// Waits until a notice is up, keeps its text in notices(), does @p then, and takes it down.
     void at_next_notice(std::function<void()> then = {});
@@ -110,5 +119,18 @@ private:
     QStringList notices_;
 };
 
-/// The reasons of a comparison of logs, line by line.
+/// The custom events that reach the player's window, as they come.
+class EventCounter : public QObject
+{
+public:
+    explicit EventCounter(QObject* watched) { watched->installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override;
+
+    int count(int number) const { return static_cast<int>(numbers.count(number)); }
+
+    QList<int> numbers;
+    QList<player_event::SeekRequest> seeks;
+};
+
+/// A log as a message, line by line.
 QString describe(const QStringList& log);

@@ -5,26 +5,6 @@
 
 #include <QtTest/QtTest>
 
-namespace
-{
-
-/// The custom events that reach the window, by number.
-class EventCounter : public QObject
-{
-public:
-    explicit EventCounter(QObject* watched) { watched->installEventFilter(this); }
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        if (dynamic_cast<QCustomEvent*>(event))
-            numbers.append(event->type());
-        return false;
-    }
-    int count(int number) const { return static_cast<int>(numbers.count(number)); }
-    QList<int> numbers;
-};
-
-} // namespace
-
 class EngineBridgeTest : public QObject
 {
     Q_OBJECT
