@@ -12,7 +12,7 @@ struct Setting {
 };
 
 /// What the library is told before it starts. Everything a desktop player would read, show or listen to is off.
-constexpr std::array<Setting, 41> settings = {{
+constexpr std::array<Setting, 42> settings = {{
     {"config", "no"},
     {"load-scripts", "no"},
     {"load-stats-overlay", "no"},
@@ -46,6 +46,7 @@ constexpr std::array<Setting, 41> settings = {{
     // time.
     {"video-timing-offset", "0"},
     {"hr-seek", "yes"},
+    {"video-rotate", "no"},
     {"cache", "no"},
     {"sws-scaler", "bilinear"},
     {"sws-fast", "yes"},

@@ -7,13 +7,17 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 #include <libavutil/avutil.h>
+#include <libavutil/display.h>
 #include <libavutil/pixdesc.h>
 }
 
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 
 namespace
@@ -50,6 +54,21 @@ bool is_picture(const AVStream& stream)
 {
     return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
            (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0 && stream.codecpar->codec_id != AV_CODEC_ID_NONE;
+}
+
+/// The turn that the film asks for, clockwise, to the nearest right angle.
+int rotation_of(const AVStream& stream)
+{
+    size_t size = 0;
+    const quint8* const data = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &size);
+    std::array<std::int32_t, 9> matrix = {};
+    if (!data || size < sizeof matrix)
+        return 0;
+    std::memcpy(matrix.data(), data, sizeof matrix);
+    const double degrees = -av_display_rotation_get(matrix.data());
+    if (!std::isfinite(degrees))
+        return 0;
+    return ((static_cast<int>(std::lround(degrees / 90.0)) % 4 + 4) % 4) * 90;
 }
 
 bool is_compressed_sound(AVCodecID codec)
@@ -106,6 +125,7 @@ MediaFile MediaFile::look(const QByteArray& path, const std::atomic<bool>& cance
             auto& video = file.infos[QStringLiteral("video")];
             file.width = parameters.width;
             file.height = parameters.height;
+            file.rotation = rotation_of(stream);
             video = {{QStringLiteral("name"), codec_name(parameters)},
                      {QStringLiteral("width"), QString::number(parameters.width)},
                      {QStringLiteral("height"), QString::number(parameters.height)},

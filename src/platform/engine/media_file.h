@@ -21,6 +21,7 @@ struct MediaFile {
     bool seekable = false;
     int width = 0;
     int height = 0;
+    int rotation = 0; ///< how far the picture is to be turned clockwise: 0, 90, 180 or 270 degrees
     int audio_streams = 0;
     int text_streams = 0;          ///< subtitle streams that hold text
     bool compressed_sound = false; ///< the first sound is of a kind that a digital output takes as it is

@@ -115,8 +115,8 @@ unsigned MediaPlayer::prepare(const char* file_name)
         if (const unsigned status = MediaPlayer::open(file_name); status != rask::ok)
             return status;
     }
-    const unsigned status =
-        d->playback->load({path, d->file.length, d->file.seekable, d->file.height, d->file.audio_streams});
+    const unsigned status = d->playback->load(
+        {path, d->file.length, d->file.seekable, d->file.height, d->file.audio_streams, d->file.rotation});
     if (status == rask::ok)
         d->subtitles->read_inside(d->subtitles_ready);
     return status;

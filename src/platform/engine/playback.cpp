@@ -39,6 +39,22 @@ constexpr int hardware_height = 720;
 
 enum WatchId : std::uint64_t { watch_position = 1, watch_end = 2, first_free_id = 16 };
 
+/// What turns the picture. The library's own rotation is off: its software renderer takes a turned size for the
+/// picture's and ends the process.
+const char* turning_filter(int degrees)
+{
+    switch (degrees) {
+    case 90:
+        return "lavfi=[transpose=clock]";
+    case 180:
+        return "lavfi=[hflip,vflip]";
+    case 270:
+        return "lavfi=[transpose=cclock]";
+    default:
+        return "";
+    }
+}
+
 double to_seconds(Time position)
 {
     return static_cast<double>(position) / 1000.0;
@@ -462,6 +478,7 @@ void Playback::send_load()
     const int threads = m_film.height <= one_thread_height ? 1 : m_film.height <= two_thread_height ? 2 : 0;
     m_core->set("hwdec", graphics ? "auto-copy-safe" : "no");
     m_core->set("vd-lavc-threads", QByteArray::number(threads));
+    m_core->set("vf", turning_filter(m_film.rotation));
     m_core->set("pause", "yes");
     m_core->set("aid", "auto");
     m_core->set("speed", 1.0);

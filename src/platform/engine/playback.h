@@ -33,6 +33,7 @@ public:
         bool seekable = false;
         int height = 0; ///< of the picture, in pixels
         int audio_streams = 0;
+        int rotation = 0; ///< 0, 90, 180 or 270 degrees, clockwise
     };
 
     /// Starts the engine's thread. @param callback may be null

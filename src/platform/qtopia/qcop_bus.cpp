@@ -12,7 +12,6 @@
 namespace
 {
 
-constexpr char path[] = "/tavel/QCop";
 constexpr char interface[] = "tavel.QCop";
 constexpr char member[] = "message";
 constexpr char bus_service[] = "org.freedesktop.DBus";
@@ -25,6 +24,22 @@ constexpr int answer_limit_ms = 1000;
 constexpr qsizetype longest_escaped_channel = 230;
 
 QPointer<QCopBus> current;
+
+// The channel's name in the characters that the bus allows in names and paths.
+QString element_name(const QCString& channel)
+{
+    QByteArray escaped;
+    for (const char byte : channel) {
+        const bool plain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
+        if (plain)
+            escaped += byte;
+        else
+            escaped += '_' + QByteArray(1, byte).toHex();
+    }
+    if (escaped.size() > longest_escaped_channel)
+        escaped = "_long_" + QCryptographicHash::hash(channel, QCryptographicHash::Sha1).toHex();
+    return QStringLiteral("channel_") + QString::fromLatin1(escaped);
+}
 
 } // namespace
 
@@ -50,17 +65,12 @@ QDBusConnection QCopBus::session_bus()
 
 QString QCopBus::service_name(const QCString& channel)
 {
-    QByteArray escaped;
-    for (const char byte : channel) {
-        const bool plain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
-        if (plain)
-            escaped += byte;
-        else
-            escaped += '_' + QByteArray(1, byte).toHex();
-    }
-    if (escaped.size() > longest_escaped_channel)
-        escaped = "_long_" + QCryptographicHash::hash(channel, QCryptographicHash::Sha1).toHex();
-    return QStringLiteral("tavel.QCop.channel_") + QString::fromLatin1(escaped);
+    return QStringLiteral("tavel.QCop.") + element_name(channel);
+}
+
+QString QCopBus::object_path(const QCString& channel)
+{
+    return QStringLiteral("/tavel/QCop/") + element_name(channel);
 }
 
 void QCopBus::open(QCopChannel* channel)
@@ -128,7 +138,7 @@ bool QCopBus::send(const QCString& channel, const QCString& message, const QByte
     }
     if (is_connected()) {
         QDBusMessage signal =
-            QDBusMessage::createSignal(QLatin1String(path), QLatin1String(interface), QLatin1String(member));
+            QDBusMessage::createSignal(object_path(channel), QLatin1String(interface), QLatin1String(member));
         signal << QString::fromUtf8(channel) << QString::fromUtf8(message) << data;
         connection_.send(signal);
     }
@@ -157,7 +167,10 @@ void QCopBus::receive(const QDBusMessage& signal)
     const QByteArray channel = arguments[0].toString().toUtf8();
     const QByteArray message = arguments[1].toString().toUtf8();
     const QByteArray data = arguments[2].toByteArray();
-    if (const char* const fault = QCopMessage::fault(message, data)) {
+    const char* fault = QCopMessage::fault(message, data);
+    if (signal.path() != object_path(channel))
+        fault = "its path is another channel's";
+    if (fault) {
         qWarning("QCop: \"%s\" of %s to \"%s\" is dropped: %s", message.left(80).constData(),
                  qUtf8Printable(signal.service()), channel.constData(), fault);
         return;
@@ -192,13 +205,13 @@ QDBusMessage QCopBus::ask_bus(const char* question, const QVariantList& argument
 
 void QCopBus::listen(const QCString& channel, bool on)
 {
-    const QStringList match{QString::fromUtf8(channel)};
+    const QString path = object_path(channel);
     if (on)
-        connection_.connect(QString(), QLatin1String(path), QLatin1String(interface), QLatin1String(member), match,
-                            QString(), this, SLOT(receive(QDBusMessage)));
+        connection_.connect(QString(), path, QLatin1String(interface), QLatin1String(member), this,
+                            SLOT(receive(QDBusMessage)));
     else
-        connection_.disconnect(QString(), QLatin1String(path), QLatin1String(interface), QLatin1String(member), match,
-                               QString(), this, SLOT(receive(QDBusMessage)));
+        connection_.disconnect(QString(), path, QLatin1String(interface), QLatin1String(member), this,
+                               SLOT(receive(QDBusMessage)));
 }
 
 void QCopBus::deliver(const QCString& channel, const QCString& message, const QByteArray& data, bool from_here)

@@ -28,6 +28,9 @@ public:
     /// The session bus, or a connection that is not connected when there is none; never starts one.
     static QDBusConnection session_bus();
 
+    /// The object path that messages to a channel carry.
+    static QString object_path(const QCString& channel);
+
     /// The name on the bus that stands for an open channel.
     static QString service_name(const QCString& channel);
 

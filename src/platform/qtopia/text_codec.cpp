@@ -98,10 +98,7 @@ QString without_halves(QString text)
 
 } // namespace
 
-QTextCodec::QTextCodec(const char* name)
-    : name_(name)
-{
-}
+QTextCodec::QTextCodec(const char* name) : name_(name) {}
 
 QTextCodec* QTextCodec::codecForName(const char* name)
 {
