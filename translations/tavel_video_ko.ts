@@ -574,7 +574,8 @@ Nanum fonts: SIL Open Font License 1.1.</source>
         <source>This video has a resolution
 greater than 480*360 and is not
 guaranteed to play back properly.</source>
-        <translation>이 동영상은 해상도가 480*360보다 커서
+        <translation>이 동영상은 해상도가
+480*360보다 커서
 제대로 재생되지 않을 수 있습니다.</translation>
     </message>
     <message>
