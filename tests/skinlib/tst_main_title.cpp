@@ -13,6 +13,7 @@
 #include "test_main.h"
 #include "text_codec.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 /// The file manager window: what it lists, how things are chosen, and what it sends.
@@ -401,12 +402,12 @@ void TestMainTitle::names_that_cannot_travel_are_left_out_with_one_line()
     make_file(in("good.avi"));
     make_file(in("two\nlines.avi"));
     const QByteArray not_utf8 = films_->path().toUtf8() + "/\xb0\xa1.avi";
-    QVERIFY(QFile::exists(films_->path()));
-    FILE* file = std::fopen(not_utf8.constData(), "w");
-    QVERIFY(file);
-    std::fclose(file);
+    const int file = ::open(not_utf8.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    QVERIFY(file >= 0);
+    ::close(file);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("left out 2 names")));
     show(films_->path());
+    ::unlink(not_utf8.constData());
     QCOMPARE(names(), (QStringList{"..", "good.avi"}));
     QVERIFY(manager_->notice().contains(QLatin1Char('2')));
 }
