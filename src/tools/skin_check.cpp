@@ -13,6 +13,8 @@ namespace
 
 constexpr QRect screen(0, 0, 480, 272);
 constexpr int largest_side = 2048;
+// As far as the player takes a coordinate; what stands there reaches out of everything.
+constexpr int farthest_position = 16384;
 constexpr int digit_cells = 11;
 constexpr int widest_time = 7;
 
@@ -321,7 +323,7 @@ std::optional<int> SkinCheck::number(const Group& group, const QString& key) con
         return std::nullopt;
     bool good = false;
     const int value = place->value.toInt(&good);
-    return good ? std::optional<int>(value) : std::nullopt;
+    return good ? std::optional<int>(std::clamp(value, -farthest_position, farthest_position)) : std::nullopt;
 }
 
 int SkinCheck::number_of(const QString& group_name, const QString& key, int fallback) const
