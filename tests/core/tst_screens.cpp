@@ -1,0 +1,418 @@
+#include "config.h"
+#include "device_screen.h"
+#include "global.h"
+#include "player.h"
+#include "qpe_application.h"
+#include "test_main.h"
+
+#include <QtWidgets/QComboBox>
+
+/// LCD and TV, controls and full screen, warnings about the film, digital sound.
+class ScreensTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        qunsetenv("TAVEL_TV");
+        qunsetenv("TAVEL_DIGITAL_OUT");
+        player = std::make_unique<Player>();
+        player->settle();
+    }
+    void cleanup()
+    {
+        player.reset();
+        qunsetenv("TAVEL_TV");
+        qunsetenv("TAVEL_DIGITAL_OUT");
+    }
+
+    // ---- the switch
+
+    void the_switch_to_the_tv_goes_step_by_step()
+    {
+        player->play_a_film();
+        player->post(player_event::switch_screen);
+        player->settle();
+        const QStringList expected{
+            "pause",
+            "fb /dev/fb1 enable 0",
+            "fb /dev/fb2 enable 0",
+            "wait 1000",
+            "screen V28_ScreenSetTvMode",
+            "wait 1000",
+            "fb /dev/fb2 enable 0 size 640 480 origin 0 0 position 0 0 enable 1",
+            "wait 1000",
+            "fb /dev/fb1 size 640 480",
+            "wait 1000",
+            "qcop QPE/System hideTaskBar(QString) tavel_video",
+            "set_video_window 0 0 640 480",
+            "set_aspect 1",
+            "wait 1000",
+            "play",
+            "wait 1000",
+            "fb /dev/fb1 enable 1",
+        };
+        QVERIFY2(player->log() == expected, qPrintable(describe(player->log())));
+        QVERIFY(player->window()->is_tv_out());
+        QVERIFY(player->window()->is_full_screen());
+        QVERIFY(player->subtitle()->isWindow());
+        QVERIFY(player->subtitle()->isVisible());
+        QCOMPARE(player->subtitle()->geometry(), QRect(0, 376, 640, 124));
+        QCOMPARE(player->window()->geometry(), QRect(80, 104, 480, 272));
+        QVERIFY(player->timer("window_timer")->isActive());
+        QCOMPARE(player->timer("window_timer")->interval(), 500);
+        QVERIFY(DeviceScreen::instance()->is_active(player->window()));
+        QCOMPARE(DeviceScreen::instance()->output(), DeviceScreen::Output::Tv);
+        QVERIFY(player->in(&TavelVideo::play_state));
+    }
+
+    void the_switch_back_to_the_lcd_goes_step_by_step()
+    {
+        player->play_a_film();
+        player->post(player_event::switch_screen);
+        player->settle();
+        player->click(Qt::Key_Up);
+        QCOMPARE(player->window()->y(), 94);
+        player->clear_log();
+        player->post(player_event::switch_screen);
+        player->settle();
+        const QStringList expected{
+            "pause",
+            "fb /dev/fb1 enable 0",
+            "fb /dev/fb2 enable 0",
+            "wait 1000",
+            "qcop QPE/TaskBar move(int,int) 80 356",
+            "wait 1000",
+            "screen V28_ScreenSetLcdMode",
+            "wait 1000",
+            "fb /dev/fb2 enable 0 size 640 480 origin 80 104 position 0 0 enable 1",
+            "wait 1000",
+            "fb /dev/fb1 size 480 272",
+            "wait 1000",
+            "qcop QPE/System setBacklight(int) 255",
+            "qcop QPE/System hideTaskBar(QString) tavel_video",
+            "set_video_window 0 0 480 272",
+            "set_aspect 1",
+            "wait 1000",
+            "play",
+            "wait 1000",
+            "fb /dev/fb1 enable 1",
+        };
+        QVERIFY2(player->log() == expected, qPrintable(describe(player->log())));
+        QVERIFY(!player->window()->is_tv_out());
+        QVERIFY(!player->subtitle()->isWindow());
+        QCOMPARE(player->subtitle()->parentWidget(), player->window());
+        QCOMPARE(player->subtitle()->geometry(), QRect(0, 80, 480, 180));
+        QCOMPARE(player->window()->geometry(), QRect(80, 104, 480, 272));
+        QVERIFY(!player->timer("window_timer")->isActive());
+    }
+
+    void the_switch_takes_six_seconds_to_the_tv_and_seven_back()
+    {
+        player->play_a_film();
+        player->post(player_event::switch_screen);
+        player->settle();
+        QCOMPARE(player->log_of({"wait 1000"}).size(), 6);
+        player->clear_log();
+        player->post(player_event::switch_screen);
+        player->settle();
+        QCOMPARE(player->log_of({"wait 1000"}).size(), 7);
+    }
+
+    void a_film_that_the_viewer_paused_stays_paused()
+    {
+        player->play_a_film();
+        player->post(player_event::pause);
+        player->settle();
+        player->clear_log();
+        player->post(player_event::switch_screen);
+        player->settle();
+        QVERIFY(player->log_of({"play", "pause"}).isEmpty());
+        QVERIFY(player->in(&TavelVideo::pause_state));
+    }
+
+    void a_picture_hidden_for_privacy_stays_hidden()
+    {
+        player->play_a_film();
+        player->combo("display_combo_privacy_mode")->setCurrentIndex(0);
+        player->post(player_event::pause);
+        player->settle();
+        player->clear_log();
+        player->post(player_event::switch_screen);
+        player->settle();
+        QCOMPARE(player->log_of({"fb /dev/fb1 enable"}).last(), QStringLiteral("fb /dev/fb1 enable 0"));
+    }
+
+    void a_scan_is_left_before_the_switch()
+    {
+        player->play_a_film();
+        player->combo("playback_combo_trickmode")->setCurrentIndex(1);
+        player->post(player_event::scan_forward);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::speed_playing_state));
+        player->clear_log();
+        player->post(player_event::switch_screen);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::play_state));
+        QCOMPARE(player->log_of({"play", "pause"}), QStringList({"play", "pause", "play"}));
+    }
+
+    void an_end_during_the_switch_is_acted_on_after_it()
+    {
+        player->play_a_film();
+        player->combo("playback_combo_next_action")->setCurrentIndex(2);
+        bool in_play = false;
+        int waits = 0;
+        Global::set_sleeper([&](std::chrono::microseconds) {
+            if (++waits != 3)
+                return;
+            scripted_engine::report_stream(StreamType::Film, StreamState::Ended);
+            scripted_engine::report_state(PlayerState::Stopped);
+            in_play = player->in(&TavelVideo::play_state);
+        });
+        player->post(player_event::switch_screen);
+        player->settle();
+        QVERIFY(in_play);
+        QVERIFY(player->in(&TavelVideo::stop_state));
+    }
+
+    void reports_of_the_engine_are_not_acted_on_during_the_switch()
+    {
+        player->play_a_film();
+        EventCounter counter(player->window());
+        int waits = 0;
+        Global::set_sleeper([&](std::chrono::microseconds) {
+            if (++waits != 3)
+                return;
+            scripted_engine::report_state(PlayerState::Paused);
+            scripted_engine::report_state(PlayerState::Prepared);
+            scripted_engine::report_stream(static_cast<StreamType>(1), StreamState::Ended);
+        });
+        scripted_engine::set_automatic_reports(false);
+        player->post(player_event::switch_screen);
+        player->settle();
+        QCOMPARE(waits, 6);
+        QCOMPARE(counter.numbers, QList<int>({2300}));
+    }
+
+    void the_panels_come_back_as_they_were()
+    {
+        player->play_a_film();
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        player->control_event("listopen");
+        player->post(player_event::switch_screen);
+        player->settle();
+        QVERIFY(!player->window()->is_full_screen());
+        QVERIFY(player->playlist()->isVisible());
+        QVERIFY(player->control_bar()->isVisible());
+        QVERIFY(player->title_bar()->isVisible());
+    }
+
+    void a_tv_at_the_start_is_taken_at_once()
+    {
+        player.reset();
+        qputenv("TAVEL_TV", "1");
+        player = std::make_unique<Player>();
+        player->settle();
+        QVERIFY(player->window()->is_tv_out());
+        QCOMPARE(player->log_of({"screen"}), QStringList(QStringLiteral("screen V28_ScreenSetTvMode")));
+    }
+
+    void films_on_the_tv_fill_it()
+    {
+        player->post(player_event::switch_screen);
+        player->settle();
+        player->clear_log();
+        player->hand_over(player->make_files(1));
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        QCOMPARE(player->log_of({"set_video_window"}),
+                 QStringList({"set_video_window 0 0 640 480", "set_video_window 0 0 640 480"}));
+        player->clear_log();
+        player->post(player_event::open_settings);
+        player->settle();
+        QCOMPARE(player->log_of({"set_video_window"}), QStringList(QStringLiteral("set_video_window 93 162 221 126")));
+    }
+
+    void the_settings_picture_moves_with_the_controls_on_the_tv()
+    {
+        player->play_a_film();
+        player->post(player_event::switch_screen);
+        player->settle();
+        player->click(Qt::Key_Up);
+        player->click(Qt::Key_Up);
+        player->clear_log();
+        player->post(player_event::open_settings);
+        player->settle();
+        QCOMPARE(player->log_of({"set_video_window"}), QStringList(QStringLiteral("set_video_window 93 142 221 126")));
+        QCOMPARE(player->settings()->pos(), QPoint(80, 84));
+        QCOMPARE(player->file_manager()->pos(), QPoint(80, 84));
+        QCOMPARE(player->subtitle()->y(), 356);
+    }
+
+    void stopping_on_the_tv_puts_the_controls_back()
+    {
+        player->play_a_film();
+        player->post(player_event::switch_screen);
+        player->settle();
+        player->click(Qt::Key_Up);
+        QCOMPARE(player->window()->y(), 94);
+        player->post(player_event::stop);
+        player->settle();
+        QCOMPARE(player->window()->y(), 104);
+    }
+
+    // ---- full screen
+
+    void hidden_controls_are_all_hidden_and_shown_ones_all_shown()
+    {
+        player->play_a_film();
+        const QList<QWidget*> controls{player->control_bar(), player->title_bar(), player->time_bar()};
+        for (QWidget* each : controls)
+            QVERIFY(!each->isVisible());
+        QVERIFY(player->subtitle()->isVisible());
+        QVERIFY(player->information()->isVisible());
+        QCOMPARE(player->information()->pos(), QPoint(0, 0));
+        player->clear_log();
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        for (QWidget* each : controls)
+            QVERIFY(each->isVisible());
+        QCOMPARE(player->information()->pos(), QPoint(0, 26));
+        QCOMPARE(player->log(), QStringList(QStringLiteral("qcop QPE/System showTaskBar(QString) tavel_video")));
+        QVERIFY(player->timer("menu_timer")->isActive());
+        QCOMPARE(player->window()->size(), QSize(480, 272));
+    }
+
+    void the_controls_stay_while_the_file_manager_is_open()
+    {
+        player->play_a_film();
+        player->post(player_event::open_browser);
+        player->settle();
+        player->post(player_event::enter_full_screen);
+        player->settle();
+        QVERIFY(!player->window()->is_full_screen());
+        QVERIFY(player->control_bar()->isVisible());
+    }
+
+    void the_controls_stay_while_another_window_is_active_and_it_is_tried_again()
+    {
+        player->play_a_film();
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        QWidget other;
+        other.resize(40, 40);
+        other.show();
+        DeviceScreen::instance()->activate(&other);
+        player->timer("menu_timer")->stop();
+        player->post(player_event::enter_full_screen);
+        player->settle();
+        QVERIFY(!player->window()->is_full_screen());
+        QVERIFY(player->control_bar()->isVisible());
+        QVERIFY(player->timer("menu_timer")->isActive());
+        other.hide();
+        player->timer("menu_timer")->start(0);
+        QTRY_VERIFY(player->window()->is_full_screen());
+    }
+
+    // ---- the film's demands
+
+    void large_films_of_demanding_codecs_are_warned_about_data()
+    {
+        QTest::addColumn<QString>("codec");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("height");
+        QTest::addColumn<bool>("warned");
+        for (const char* codec : {"WMV7", "WMV8", "MS Mpeg 4 v1", "MS Mpeg 4 v2", "MS Mpeg 4 v3"}) {
+            QTest::addRow("%s large", codec) << QString::fromLatin1(codec) << 640 << 360 << true;
+            QTest::addRow("%s of the LCD's size", codec) << QString::fromLatin1(codec) << 480 << 272 << false;
+        }
+        QTest::newRow("one column too many") << "WMV8" << 481 << 272 << true;
+        QTest::newRow("one row too many") << "WMV8" << 480 << 273 << true;
+        QTest::newRow("another codec") << "H.264" << 640 << 360 << false;
+    }
+    void large_films_of_demanding_codecs_are_warned_about()
+    {
+        QFETCH(QString, codec);
+        QFETCH(int, width);
+        QFETCH(int, height);
+        QFETCH(bool, warned);
+        const QString video = QStringLiteral("video");
+        scripted_engine::set_info(video, QStringLiteral("name"), codec);
+        scripted_engine::set_info(video, QStringLiteral("width"), QString::number(width));
+        scripted_engine::set_info(video, QStringLiteral("height"), QString::number(height));
+        player->at_next_notice();
+        player->hand_over(player->make_files(1));
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        if (warned)
+            QTRY_COMPARE(player->notices(),
+                         QStringList(QStringLiteral("This video has a resolution\ngreater than 480*360 and is not\n"
+                                                    "guaranteed to play back properly.")));
+        player->settle();
+        QCOMPARE(player->notices().size(), warned ? 1 : 0);
+    }
+
+    void digital_sound_needs_channels_a_cable_and_the_setting_data()
+    {
+        QTest::addColumn<QString>("channels");
+        QTest::addColumn<bool>("cable");
+        QTest::addColumn<bool>("setting");
+        QTest::addColumn<bool>("refused");
+        QTest::addColumn<bool>("active");
+        QTest::newRow("all there") << "6" << true << true << false << true;
+        QTest::newRow("five channels") << "5" << true << true << false << true;
+        QTest::newRow("four channels") << "4" << true << true << false << false;
+        QTest::newRow("no number") << "many" << true << true << false << false;
+        QTest::newRow("no cable") << "6" << false << true << false << false;
+        QTest::newRow("not wanted") << "6" << true << false << false << false;
+        QTest::newRow("refused by the engine") << "6" << true << true << true << false;
+    }
+    void digital_sound_needs_channels_a_cable_and_the_setting()
+    {
+        QFETCH(QString, channels);
+        QFETCH(bool, cable);
+        QFETCH(bool, setting);
+        QFETCH(bool, refused);
+        QFETCH(bool, active);
+        qputenv("TAVEL_DIGITAL_OUT", cable ? "1" : "0");
+        player->combo("sound_combo_spdif")->setCurrentIndex(setting ? 0 : 1);
+        scripted_engine::set_info(QStringLiteral("audio"), QStringLiteral("channels"), channels);
+        if (refused)
+            scripted_engine::set_result(QStringLiteral("set_option"), rask::not_supported);
+        player->at_next_notice();
+        player->hand_over(player->make_files(1));
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        if (active)
+            QTRY_COMPARE(player->notices(), QStringList(QStringLiteral("SPDIF 5.1CH OUT.")));
+        player->settle();
+        QCOMPARE(player->notices().size(), active ? 1 : 0);
+        QCOMPARE(spdif_in_the_configuration(), active);
+        QCOMPARE(player->log().contains(QStringLiteral("set_option 1 1")), active || refused);
+        player->post(player_event::stop);
+        player->settle();
+        QVERIFY(!spdif_in_the_configuration());
+        QCOMPARE(player->log().contains(QStringLiteral("set_option 1 0")), active);
+    }
+
+    void an_engine_that_does_not_start_is_a_playback_failure()
+    {
+        scripted_engine::set_next_result(QStringLiteral("initialize"), rask::engine_failed);
+        player->at_next_notice();
+        player->hand_over(player->make_files(1));
+        QTRY_COMPARE(player->notices(), QStringList(QStringLiteral("CAN NOT EXECUTE FILE.")));
+    }
+
+private:
+    static bool spdif_in_the_configuration()
+    {
+        Config sound(QStringLiteral("Sound"));
+        sound.setGroup(QStringLiteral("System"));
+        return sound.readBoolEntry(QStringLiteral("spdif"));
+    }
+
+    std::unique_ptr<Player> player;
+};
+
+TAVEL_TEST_MAIN_WITH(QPEApplication, ScreensTest)
+#include "tst_screens.moc"
