@@ -3,11 +3,9 @@
 #include <array>
 #include <vector>
 
-#include <QGraphicsProxyWidget>
-#include <QGraphicsScene>
-#include <QGraphicsView>
 #include <QMouseEvent>
 
+#include "display_scale.h"
 #include "text_codec.h"
 #include "window_flags.h"
 
@@ -16,8 +14,6 @@ namespace
 
 constexpr unsigned int INNER_RING = 0xFF000000;
 constexpr unsigned int OUTER_RING = 0xC0000000;
-/// Beyond this the picture is enlarged: no display is sharp enough to tell, and the text costs too much.
-constexpr qreal LARGEST_SCALE = 4;
 
 const QTextCodec* device_codec()
 {
@@ -112,7 +108,7 @@ void OsdControl::render()
         background_.set(QPixmap());
         return;
     }
-    const qreal scale = display_scale();
+    const qreal scale = display_scale(this);
     if (scale != 1) {
         image = image.scaled((QSizeF(size()) * scale).toSize());
         image.setDevicePixelRatio(scale);
@@ -122,15 +118,6 @@ void OsdControl::render()
     else
         draw_shadowed(image);
     background_.set(QPixmap::fromImage(std::move(image)));
-}
-
-qreal OsdControl::display_scale() const
-{
-    const QGraphicsProxyWidget* item = window()->graphicsProxyWidget();
-    if (!item || !item->scene() || item->scene()->views().isEmpty())
-        return 1;
-    const QGraphicsView* view = item->scene()->views().constFirst();
-    return std::clamp<qreal>(view->transform().m11() * view->devicePixelRatio(), 1, LARGEST_SCALE);
 }
 
 void OsdControl::draw_shadowed(QImage& image)
@@ -230,7 +217,7 @@ void OsdControl::mousePressEvent(QMouseEvent* event)
 
 void OsdControl::paintEvent(QPaintEvent* event)
 {
-    if (!text_.isEmpty() && background_.pixmap().devicePixelRatio() != display_scale())
+    if (!text_.isEmpty() && background_.pixmap().devicePixelRatio() != display_scale(this))
         render();
     background_.paint(this, event);
 }

@@ -71,7 +71,6 @@ private:
     void draw_shadowed(QImage& image);
     void draw_outlined(QImage& image);
     void add_ring(QImage& image, unsigned int colour, int width);
-    qreal display_scale() const;
 
     int alignment_ = Qt::AlignBottom | Qt::AlignHCenter;
     QPixmap blank_background_;

@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include "device_font.h"
+#include "display_scale.h"
 
 namespace
 {
@@ -100,10 +101,11 @@ void TitleSkin::setAlphaOverride(unsigned char alpha)
 
 void TitleSkin::refresh()
 {
-    QPixmap strip(backgroundPixmap().size());
-    if (strip.isNull())
+    const QSize strip_size = backgroundPixmap().deviceIndependentSize().toSize();
+    if (strip_size.isEmpty())
         return;
-    strip.fill(QColor(0, 0, 0, alphaOverride() / 2));
+    strip_scale_ = display_scale(this);
+    QPixmap strip = scaled_pixmap(strip_size, QColor(0, 0, 0, alphaOverride() / 2));
     QPainter painter(&strip);
     painter.setFont(font());
     draw_label(painter);
@@ -141,20 +143,35 @@ void TitleSkin::draw_scrolling_name(QPainter& painter)
     painter.restore();
 }
 
+QPixmap TitleSkin::scaled_pixmap(const QSize& size, const QColor& fill) const
+{
+    const qreal scale = display_scale(this);
+    QPixmap pixmap((QSizeF(size) * scale).toSize());
+    pixmap.setDevicePixelRatio(scale);
+    pixmap.fill(fill);
+    return pixmap;
+}
+
 void TitleSkin::setBackgroundPixmap(const QPixmap& pixmap)
 {
     if (size().isEmpty()) {
         SkinBase::setBackgroundPixmap(QPixmap());
         return;
     }
-    QPixmap labelled(size());
-    labelled.fill(Qt::transparent);
+    QPixmap labelled = scaled_pixmap(size(), Qt::transparent);
     QPainter painter(&labelled);
-    painter.drawPixmap(pixmap.size() == size() ? QPoint() : -pos(), pixmap);
+    painter.drawPixmap(pixmap.deviceIndependentSize().toSize() == size() ? QPoint() : -pos(), pixmap);
     painter.setFont(font());
     draw_label(painter);
     painter.end();
     SkinBase::setBackgroundPixmap(labelled);
+}
+
+void TitleSkin::drawTitle(QPainter*)
+{
+    // The display has changed its scale since. A strip is not exchanged while it is painted.
+    if (strip_scale_ != 0 && strip_scale_ != display_scale(this))
+        QMetaObject::invokeMethod(this, &TitleSkin::refresh, Qt::QueuedConnection);
 }
 
 void TitleSkin::redrawImage(QImage& image, int x, int y)

@@ -27,12 +27,13 @@ public:
     void setAlphaOverride(unsigned char alpha) override;
     /// Blends a button picture with the skin's background at its place, then applies the panel's alpha.
     void redrawImage(QImage& image, int x, int y) override;
+    void drawTitle(QPainter* painter) override;
     /// Whether the dictionary program is installed; looked up at each call.
     virtual bool hasDicSupport() const;
 
     /// Shows another name, from its beginning.
     void set_filename(const QString& name);
-    /// Draws the strip anew.
+    /// Draws the strip anew, at the display's own pixels.
     void refresh();
     /// Scrolling goes on where it was when the strip is shown again.
     void setVisible(bool visible) override;
@@ -49,6 +50,7 @@ private slots:
     void update_scroll_text();
 
 private:
+    QPixmap scaled_pixmap(const QSize& size, const QColor& fill) const;
     bool name_scrolls() const;
     void draw_label(QPainter& painter);
     void draw_scrolling_name(QPainter& painter);
@@ -60,4 +62,5 @@ private:
     int label_width_ = 0;
     QTimer scroll_timer_{this};
     int scroll_offset_ = 0;
+    qreal strip_scale_ = 0; ///< the display's scale that the strip was drawn for; 0 before the first strip
 };

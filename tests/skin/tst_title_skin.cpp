@@ -1,4 +1,5 @@
 #include "device_font.h"
+#include "device_screen.h"
 #include "skin_directory.h"
 #include "title_skin.h"
 
@@ -402,6 +403,24 @@ private slots:
         title->move(0, 200);
         title->refresh();
         QCOMPARE(shown(*title), at_the_top);
+    }
+
+    void enlarged_display_gets_the_text_at_its_own_pixels()
+    {
+        DeviceScreen* screen = DeviceScreen::instance();
+        screen->resize(480, 272);
+        make_title();
+        title->set_filename("film.avi");
+        screen->grab_output();
+        QCOMPARE(title->backgroundPixmap().size(), QSize(480, 26));
+        screen->resize(960, 544);
+        screen->grab_output();
+        QTRY_COMPARE(title->backgroundPixmap().size(), QSize(960, 52));
+        QCOMPARE(title->backgroundPixmap().deviceIndependentSize(), QSizeF(480, 26));
+        title->set_filename("other.avi");
+        QCOMPARE(title->backgroundPixmap().size(), QSize(960, 52));
+        window.reset();
+        screen->resize(480, 272);
     }
 
     void strip_without_a_skin_draws_nothing_and_still_works()
