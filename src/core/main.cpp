@@ -1,11 +1,13 @@
 #include "qpe_application.h"
 #include "tavel_video.h"
+#include "translation.h"
 
 #include <memory>
 
 int main(int argc, char** argv)
 {
     QPEApplication application(argc, argv);
+    install_translation(application);
     const auto window = std::make_unique<TavelVideo>(nullptr, "tavel_video", 16);
     application.showMainWidget(window.get());
     QObject::connect(&application, SIGNAL(flush()), window.get(), SLOT(flush_slot()));
