@@ -130,6 +130,7 @@ private slots:
 
     void a_larger_host_window_keeps_the_aspect_and_asks_for_real_pixels();
     void text_is_drawn_at_the_size_of_the_host_window();
+    void pictures_of_a_window_are_smooth_at_any_scale();
     void clicks_land_on_the_right_pixel_of_a_scaled_output();
     void windows_outside_the_output_are_not_seen_in_the_margins();
     void the_tv_enlarges_the_host_window_and_the_lcd_restores_it();
@@ -479,6 +480,25 @@ void TstDeviceOutput::text_is_drawn_at_the_size_of_the_host_window()
     const double drawn = grey_share(large);
     QVERIFY(drawn > 0);
     QVERIFY2(drawn < scaled_up / 2, qPrintable(QStringLiteral("%1 %2").arg(drawn).arg(scaled_up)));
+}
+
+void TstDeviceOutput::pictures_of_a_window_are_smooth_at_any_scale()
+{
+    ProbeWindow window(Qt::black, whole);
+    Panel panel(&window);
+    panel.setGeometry(100, 0, 100, 100);
+    QImage halves(100, 100, QImage::Format_ARGB32_Premultiplied);
+    halves.fill(Qt::black);
+    QPainter(&halves).fillRect(50, 0, 50, 100, Qt::white);
+    panel.background.set(QPixmap::fromImage(halves));
+    window.show();
+    DeviceScreen::instance()->resize(1440, 816);
+    QCoreApplication::processEvents();
+    const QImage shot = DeviceScreen::instance()->grab_output();
+    QSet<QRgb> shades;
+    for (int x = 430; x < 470; ++x)
+        shades.insert(shot.pixel(x, 150));
+    QVERIFY2(shades.size() > 2, "an edge between black and white has shades at three times its size");
 }
 
 void TstDeviceOutput::clicks_land_on_the_right_pixel_of_a_scaled_output()

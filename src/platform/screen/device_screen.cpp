@@ -87,7 +87,8 @@ DeviceScreen::DeviceScreen()
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    setViewportUpdateMode(QGraphicsView::MinimalViewportUpdate);
+    // One rectangle and never a region of several: only for that does the toolkit copy pictures line by line.
+    setViewportUpdateMode(QGraphicsView::BoundingRectViewportUpdate);
     setOptimizationFlags(QGraphicsView::DontSavePainterState | QGraphicsView::DontAdjustForAntialiasing);
     QPalette black = palette();
     black.setColor(QPalette::Window, Qt::black);
@@ -572,7 +573,6 @@ void DeviceScreen::lay_out()
     const int top = (height() - picture.height()) / 2;
     // The viewport is the output and nothing else: windows beyond its edges are cut off by the host.
     setViewportMargins(left, top, width() - picture.width() - left, height() - picture.height() - top);
-    setRenderHint(QPainter::SmoothPixmapTransform, factor * devicePixelRatioF() != 1.0);
     setTransform(QTransform::fromScale(factor, factor));
     // Half a pixel less than the viewport, or rounding could leave something to scroll.
     setSceneRect(QRectF(QPointF(), (QSizeF(picture) - QSizeF(0.5, 0.5)) / factor));
@@ -594,7 +594,11 @@ QImage DeviceScreen::grab_output()
 {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateRequest);
-    QImage image = viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const qreal ratio = devicePixelRatioF();
+    QImage image((QSizeF(viewport()->size()) * ratio).toSize(), QImage::Format_RGB32);
+    image.fill(Qt::black);
+    image.setDevicePixelRatio(ratio);
+    viewport()->render(&image);
     image.setDevicePixelRatio(1);
     return image;
 }

@@ -37,8 +37,6 @@ void VideoItem::paint(QPainter* painter, const QStyleOptionGraphicsItem*, QWidge
     painter->save();
     if (m_visible != m_picture)
         painter->setClipRect(m_visible, Qt::IntersectClip);
-    painter->setRenderHint(QPainter::SmoothPixmapTransform, false);
-    painter->setCompositionMode(QPainter::CompositionMode_Source);
     // In real pixels, so that a frame of the size asked for is copied and not scaled.
     const qreal ratio = painter->device()->devicePixelRatio();
     painter->setWorldTransform(QTransform::fromScale(1 / ratio, 1 / ratio));

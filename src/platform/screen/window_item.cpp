@@ -1,5 +1,6 @@
 #include "window_item.h"
 
+#include <QPainter>
 #include <QWidget>
 
 WindowItem::WindowItem(QGraphicsItem* plane) : QGraphicsProxyWidget(plane)
@@ -14,6 +15,15 @@ void WindowItem::release()
     setWidget(nullptr);
     if (window)
         window->setAttribute(Qt::WA_DontShowOnScreen, false);
+}
+
+void WindowItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* viewport)
+{
+    // Pictures of a skin look well at any scale. This paints into the cache; the display's own painter must stay
+    // without the hint, which costs it the fast ways of laying the cache over each film frame.
+    painter->setRenderHint(QPainter::SmoothPixmapTransform,
+                           painter->combinedTransform().type() > QTransform::TxTranslate);
+    QGraphicsProxyWidget::paint(painter, option, viewport);
 }
 
 bool WindowItem::focusNextPrevChild(bool next)

@@ -14,6 +14,8 @@ public:
     /// Takes the window off the display again, without deleting it.
     void release();
 
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
+
 protected:
     bool focusNextPrevChild(bool next) override;
 };
