@@ -324,6 +324,10 @@ void DeviceScreen::keep_pop_up_on_screen(QWidget* pop_up)
 
 bool DeviceScreen::eventFilter(QObject* object, QEvent* event)
 {
+#if defined(__SANITIZE_THREAD__)
+    // The other half of the order stated where the video plane posts its event; nobody looks at the event before.
+    __tsan_acquire(event);
+#endif
     switch (event->type()) {
     case QEvent::ParentChange:
     case QEvent::Polish:
@@ -356,10 +360,6 @@ bool DeviceScreen::eventFilter(QObject* object, QEvent* event)
 bool DeviceScreen::event(QEvent* event)
 {
     if (event->type() == VideoPlane::frame_event_type()) {
-#if defined(__SANITIZE_THREAD__)
-        // The other half of the order stated where the event is posted.
-        __tsan_acquire(event);
-#endif
         VideoPlane::instance().acknowledge();
         update_video();
         return true;
