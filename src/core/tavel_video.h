@@ -336,6 +336,7 @@ private:
     void redraw_subtitles();
     void select_subtitles();
     void reload_subtitles();
+    void show_subtitle_due();
     void update_dictionary_button();
     void close_subtitles();
     void update_buttons();

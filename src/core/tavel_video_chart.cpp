@@ -371,9 +371,7 @@ TavelVideo::State TavelVideo::file_loaded_state(const QEvent* e)
         start_position_ms_ = static_cast<unsigned int>(position_);
         break;
     case player_event::stream_started:
-        // A line that was shown before would not be shown again.
-        select_subtitles();
-        redraw_subtitles();
+        show_subtitle_due();
         break;
     default:
         break;
@@ -557,11 +555,10 @@ TavelVideo::State TavelVideo::seeking_state(const QEvent* e)
         seeking_ = false;
         return State();
     case player_event::stream_started:
-        select_subtitles();
-        redraw_subtitles();
         // One record for all targets: every later seek returns to where the first one did.
         go(&seek_return_, history_);
         settle_after_seek();
+        show_subtitle_due();
         post_kept();
         return State();
     case player_event::pause:
@@ -1018,6 +1015,9 @@ void TavelVideo::enter_seeking()
 /// The state reached need not be the one that was left: brings engine and buttons in line with it.
 void TavelVideo::settle_after_seek()
 {
+    // A film that rests reports no position by itself.
+    position_ = clamped(seek_request_.target_ms);
+    time_bar_->set_slidervalue(static_cast<unsigned int>(position_ / 1000));
     if (isIn(&TavelVideo::pause_state)) {
         media_player_->pause();
         show_play_button();

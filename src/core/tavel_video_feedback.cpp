@@ -191,7 +191,14 @@ void TavelVideo::reload_subtitles()
     select_subtitles();
     subtitle_->update(position_);
     update_subtitles();
-    update_dictionary_button();
+}
+
+/// After a jump: takes the list anew, since a line that was shown before would not be shown again, and draws.
+void TavelVideo::show_subtitle_due()
+{
+    select_subtitles();
+    subtitle_->update(position_);
+    redraw_subtitles();
 }
 
 void TavelVideo::close_subtitles()

@@ -268,6 +268,21 @@ private slots:
         QVERIFY(!player->shows("pause"));
     }
 
+    void a_seek_while_paused_shows_where_it_went()
+    {
+        player->play_a_film();
+        player->post(player_event::pause);
+        player->settle();
+        scripted_engine::set_automatic_reports(false);
+        player->seek_to(7500);
+        player->settle();
+        scripted_engine::report_stream(StreamType::Film, StreamState::Started);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::pause_state));
+        QCOMPARE(player->window()->position(), Time(7500));
+        QCOMPARE(player->time_bar()->get_slidervalue(), 7U);
+    }
+
     void what_nobody_takes_during_a_seek_is_kept_for_after_it()
     {
         player->play_a_film();
