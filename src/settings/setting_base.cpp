@@ -210,7 +210,7 @@ void SettingBase::paintEvent(QPaintEvent*)
 void SettingBase::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    setting_tab->tabBar()->setFocus(Qt::OtherFocusReason);
+    setFocus(Qt::OtherFocusReason);
 }
 
 void SettingBase::build_header()
@@ -232,6 +232,8 @@ void SettingBase::build_header()
     setting_tab->setGeometry(0, setting_look::header_height, width(), height() - setting_look::header_height);
     setting_tab->setFocusPolicy(Qt::NoFocus);
     setting_tab->tabBar()->setFocusPolicy(Qt::StrongFocus);
+    // Who gives the form the focus means the first control: arrows would lead nowhere from the form itself.
+    setFocusProxy(setting_tab->tabBar());
     setting_tab->tabBar()->setUsesScrollButtons(false);
     setting_tab->tabBar()->setFixedHeight(setting_look::tab_height);
 }

@@ -71,7 +71,9 @@ public:
     explicit Device(Start start)
     {
         program_.start_role("device", {QString::number(static_cast<int>(start))});
-        Global::set_sleeper([this](std::chrono::microseconds wait) {
+        // Long enough for a busy machine to start the program meanwhile, where one starts at all.
+        const unsigned long shortened_ms = start == Start::Late ? 200 : 1;
+        Global::set_sleeper([this, shortened_ms](std::chrono::microseconds wait) {
             waits.append(wait);
             QThread::msleep(shortened_ms);
         });
@@ -90,7 +92,6 @@ public:
         return lines;
     }
 
-    static constexpr unsigned long shortened_ms = 20;
     QList<std::chrono::microseconds> waits;
 
 private:

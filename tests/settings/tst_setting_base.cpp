@@ -424,6 +424,15 @@ private slots:
         QTRY_COMPARE(settings->focusWidget(), static_cast<QWidget*>(tabs_of(*settings)->tabBar()));
     }
 
+    void the_focus_given_to_the_dialog_goes_to_the_tabs()
+    {
+        const auto settings = make_settings();
+        settings->show();
+        control<ExitButton>(*settings, "exit_button")->setFocus();
+        settings->setFocus();
+        QCOMPARE(settings->focusWidget(), static_cast<QWidget*>(tabs_of(*settings)->tabBar()));
+    }
+
     // Pictures
 
     void the_close_button_wears_the_skins_pictures()
