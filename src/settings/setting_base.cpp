@@ -361,7 +361,7 @@ QWidget* SettingBase::build_display_page()
     display_combo_privacy_mode = new TouchComboBox(page, "display_combo_privacy_mode");
     display_button_alldefault = make_button(page, "display_button_alldefault");
 
-    place_rows(page, picture_column(), 100,
+    place_rows(page, picture_column(), 102,
                {{display_label_menutime, display_combo_menutime},
                 {display_label_transparancy, display_combo_transparancy},
                 {display_label_aspect_ratio, display_combo_aspect_ratio},
