@@ -23,6 +23,7 @@ private slots:
 
     void removing_the_cursor_row_data();
     void removing_the_cursor_row();
+    void nothing_is_painted_while_a_row_goes();
     void removing_from_an_empty_list_does_nothing();
     void moving_exchanges_the_bookmarks_and_keeps_the_numbers_data();
     void moving_exchanges_the_bookmarks_and_keeps_the_numbers();
@@ -174,6 +175,17 @@ void TestBookmarkWidget::removing_the_cursor_row()
     for (const QVariantList& arguments : std::as_const(spy))
         announced.append(arguments.first().toString());
     QTEST(announced, "announced");
+}
+
+void TestBookmarkWidget::nothing_is_painted_while_a_row_goes()
+{
+    panel_->add_track(QStringLiteral("/a.avi"), 0);
+    panel_->add_track(QStringLiteral("/b.avi"), 0);
+    bool was_suspended = false;
+    connect(panel_.get(), &BookmarkWidget::selected_file, this, [&] { was_suspended = list()->repaintsSuspended(); });
+    panel_->remove_track();
+    QVERIFY(was_suspended);
+    QVERIFY(!list()->repaintsSuspended());
 }
 
 void TestBookmarkWidget::removing_from_an_empty_list_does_nothing()

@@ -31,6 +31,7 @@ private slots:
     void removing_does_not_announce_the_cursor_and_later_moves_do();
     void removing_the_now_playing_row_prints_its_index();
     void the_mark_stays_on_its_file_when_a_row_above_goes();
+    void nothing_is_painted_while_rows_go();
     void removing_does_not_save();
     void removing_the_now_playing_entry_keeps_the_cursor_on_its_file_data();
     void removing_the_now_playing_entry_keeps_the_cursor_on_its_file();
@@ -299,6 +300,22 @@ void TestPlayListStore::the_mark_stays_on_its_file_when_a_row_above_goes()
     QCOMPARE(panel_->get_filename(panel_->get_now_playing()), QStringLiteral("c"));
     for (int i = 0; i < 3; ++i)
         QCOMPARE(row(i)->now_playing(), i == 1);
+}
+
+void TestPlayListStore::nothing_is_painted_while_rows_go()
+{
+    add(letters(3));
+    const auto* list = lists_fixture::list_box_of(panel_);
+    bool was_suspended = false;
+    connect(panel_, &PlayListWidget::stop_signal, this, [&] { was_suspended = list->repaintsSuspended(); });
+    const lists_fixture::StandardOutput output;
+    panel_->remove_track();
+    QVERIFY(was_suspended);
+    QVERIFY(!list->repaintsSuspended());
+    was_suspended = false;
+    panel_->remove_now_playing();
+    QVERIFY(was_suspended);
+    QVERIFY(!list->repaintsSuspended());
 }
 
 void TestPlayListStore::removing_does_not_save()
