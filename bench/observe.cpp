@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <poll.h>
 #include <string>
 #include <sys/resource.h>
@@ -82,6 +83,9 @@ int main(int argc, char** argv)
     const pid_t player = fork();
     if (player == 0) {
         std::signal(SIGINT, SIG_DFL);
+        const int nowhere = open("/dev/null", O_WRONLY);
+        dup2(nowhere, STDOUT_FILENO);
+        dup2(nowhere, STDERR_FILENO);
         execvp(argv[i + 1], argv + i + 1);
         std::perror("observe");
         _exit(127);
