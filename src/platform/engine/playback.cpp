@@ -28,6 +28,9 @@ constexpr auto seek_start_limit = 1000ms;
 constexpr auto end_limit = 800ms;
 constexpr auto shut_down_limit = 2000ms;
 
+/// Asking wakes fewer threads than being told of each frame.
+constexpr auto position_interval = 50ms;
+
 constexpr auto scan_report_interval = 100ms;
 constexpr auto scan_seek_interval = 300ms;
 
@@ -37,7 +40,8 @@ constexpr int two_thread_height = 720;
 /// Below this a round trip to the graphics memory costs more than decoding.
 constexpr int hardware_height = 720;
 
-enum WatchId : std::uint64_t { watch_position = 1, watch_end = 2, first_free_id = 16 };
+/// What the library's answers are known by; operations count on from the last.
+enum FixedId : std::uint64_t { end_id = 1, position_id = 2, first_free_id = 16 };
 
 /// What turns the picture. The library's own rotation is off: its software renderer takes a turned size for the
 /// picture's and ends the process.
@@ -266,7 +270,8 @@ bool Playback::run_tasks()
 double Playback::seconds_to_deadline() const
 {
     Deadline next;
-    for (const Deadline& deadline : {m_start_deadline, m_load_deadline, m_seek_deadline, m_scan_tick}) {
+    for (const Deadline& deadline :
+         {m_start_deadline, m_load_deadline, m_seek_deadline, m_scan_tick, m_position_tick}) {
         if (deadline && (!next || *deadline < *next))
             next = deadline;
     }
@@ -293,6 +298,8 @@ void Playback::check_deadlines()
         finish_seek(m_seek_target);
     if (passed(m_scan_tick))
         scan_step();
+    if (passed(m_position_tick))
+        ask_position();
 }
 
 bool Playback::ensure_core()
@@ -302,8 +309,7 @@ bool Playback::ensure_core()
     m_core = EngineCore::create();
     if (!m_core)
         return false;
-    m_core->watch("time-pos", MPV_FORMAT_DOUBLE, watch_position);
-    m_core->watch("eof-reached", MPV_FORMAT_FLAG, watch_end);
+    m_core->watch("eof-reached", MPV_FORMAT_FLAG, end_id);
     apply_settings();
     const std::lock_guard lock(m_tasks_mutex);
     m_wakeable = m_core->handle();
@@ -318,6 +324,7 @@ void Playback::abandon_core()
         const std::lock_guard lock(m_tasks_mutex);
         m_wakeable = nullptr;
     }
+    m_position_asked = false;
     m_core->picture().show(false);
     BackgroundTask ending([core = std::shared_ptr<EngineCore>(std::move(m_core))] {});
     ending.wait_for(end_limit);
@@ -417,21 +424,35 @@ void Playback::on_number(const mpv_event& event)
     const double value = known ? *static_cast<const double*>(property.data) : 0.0;
     if (event.reply_userdata == m_load_id && m_phase == Phase::Loading)
         finish_load(value >= 1.0 ? rask::ok : rask::not_a_film);
+    else if (event.reply_userdata == position_id)
+        on_position(known ? std::optional(to_time(value)) : std::nullopt);
     else if (event.reply_userdata == m_seek_id && m_seek_stage == SeekStage::Running)
         finish_seek(known ? to_time(value) : m_seek_target);
+}
+
+void Playback::ask_position()
+{
+    m_position_tick = Clock::now() + position_interval;
+    // A library that has not answered yet is stuck in a read: more questions would only pile up.
+    if (m_seek_stage == SeekStage::None && !m_position_asked)
+        m_position_asked = m_core->ask_number("time-pos", position_id);
+}
+
+void Playback::on_position(std::optional<Time> position)
+{
+    m_position_asked = false;
+    if (!position || m_phase != Phase::Playing || m_seek_stage != SeekStage::None || m_current != m_entry ||
+        *position == m_position)
+        return;
+    m_position = *position;
+    report_time(m_position);
 }
 
 void Playback::on_property(const mpv_event_property& property, std::uint64_t id)
 {
     if (m_current != m_entry || !is_loaded())
         return;
-    if (id == watch_position && property.format == MPV_FORMAT_DOUBLE) {
-        if (m_seek_stage != SeekStage::None)
-            return;
-        m_position = to_time(*static_cast<const double*>(property.data));
-        if (m_phase == Phase::Playing)
-            report_time(m_position);
-    } else if (id == watch_end && property.format == MPV_FORMAT_FLAG) {
+    if (id == end_id && property.format == MPV_FORMAT_FLAG) {
         m_at_end = *static_cast<const int*>(property.data) != 0;
         if (m_at_end && m_phase == Phase::Playing && m_seek_stage == SeekStage::None)
             reach_end();
@@ -635,6 +656,10 @@ RaskStatus Playback::do_set_speed(int code)
 void Playback::enter(Phase phase)
 {
     m_phase = phase;
+    if (phase != Phase::Playing)
+        m_position_tick.reset();
+    else if (!m_position_tick)
+        m_position_tick = Clock::now();
     m_busy = phase == Phase::Playing || phase == Phase::Scanning || phase == Phase::Loading;
 }
 

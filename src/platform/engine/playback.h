@@ -120,6 +120,8 @@ private:
     void on_property(const mpv_event_property& property, std::uint64_t id);
     void on_end_file(const mpv_event_end_file& end);
     void on_restart();
+    void ask_position();
+    void on_position(std::optional<Time> position);
 
     void do_load(const Film& film, std::shared_ptr<Answer> answer);
     void send_load();
@@ -168,6 +170,8 @@ private:
     Film m_film;
     std::uint64_t m_last_id = 0; ///< ids of what the library was asked
     Time m_position = 0;
+    Deadline m_position_tick;      ///< while playing
+    bool m_position_asked = false; ///< the library owes an answer
 
     std::shared_ptr<Answer> m_load_answer;
     std::uint64_t m_load_id = 0;
