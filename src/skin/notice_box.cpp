@@ -57,7 +57,8 @@ QStaticText wrapped_text(const QString& text, const QFont& font, int width)
 {
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    QStaticText wrapped(text);
+    // Static text breaks at line separators, not at line feeds.
+    QStaticText wrapped(QString(text).replace(QLatin1Char('\n'), QChar::LineSeparator));
     wrapped.setTextFormat(Qt::PlainText);
     wrapped.setTextOption(option);
     wrapped.setTextWidth(width);

@@ -40,6 +40,7 @@ private slots:
     void a_window_shown_without_activating_never_becomes_active();
     void a_click_beside_all_windows_keeps_the_active_window();
     void stacking_orders_windows_without_activating_them();
+    void a_window_wholly_under_another_lets_the_video_through_instead_of_showing();
     void a_modal_dialog_takes_keys_and_clicks_from_the_others();
     void a_dialog_has_no_frame_and_stands_in_the_middle_unless_it_was_placed();
     void a_message_box_is_answered_by_key();
@@ -263,6 +264,26 @@ void TstDeviceScreen::stacking_orders_windows_without_activating_them()
     screen->raise_window(&second);
     QCOMPARE(screen->grab_output().pixel(5, 5), QColor(Qt::blue).rgb());
     QVERIFY(third.isActiveWindow());
+}
+
+void TstDeviceScreen::a_window_wholly_under_another_lets_the_video_through_instead_of_showing()
+{
+    QImage& frame = VideoPlane::instance().begin_frame(VideoPlane::instance().pixel_size());
+    frame.fill(Qt::green);
+    VideoPlane::instance().end_frame();
+    ProbeWindow lower(Qt::red, whole);
+    lower.show();
+    ProbeWindow upper(Qt::transparent, whole);
+    upper.show();
+    const auto middle = [] { return DeviceScreen::instance()->grab_output().pixelColor(240, 136); };
+
+    QCOMPARE(middle(), QColor(Qt::green));
+    upper.setGeometry(whole.adjusted(0, 0, 0, -20));
+    QCOMPARE(middle(), QColor(Qt::red));
+    upper.setGeometry(whole);
+    QCOMPARE(middle(), QColor(Qt::green));
+    upper.hide();
+    QCOMPARE(middle(), QColor(Qt::red));
 }
 
 void TstDeviceScreen::a_modal_dialog_takes_keys_and_clicks_from_the_others()

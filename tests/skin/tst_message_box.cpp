@@ -254,6 +254,22 @@ private slots:
         QVERIFY(qAbs(place.center().y() - host.center().y()) <= 1);
     }
 
+    void keeps_the_line_breaks_of_its_text()
+    {
+        const auto height_of = [this](const QString& text) {
+            int height = 0;
+            box->setText(text);
+            while_shown(*box, [&] {
+                QCoreApplication::processEvents();
+                height = box->height();
+                box->stop();
+            });
+            box->exec();
+            return height;
+        };
+        QVERIFY(height_of("a\nb\nc\nd") > height_of("a b c d"));
+    }
+
     void is_readable_over_a_bright_film()
     {
         box->setText("Full");

@@ -213,12 +213,29 @@ void DeviceScreen::window_shown(QWidget* widget)
         restore_activation();
 }
 
+/// A window that lies wholly under another one is not drawn: on the plane the upper window's pixels stand in place of
+/// the lower one's, and what its alpha lets through is the video.
+void DeviceScreen::omit_covered_windows()
+{
+    const QList<QGraphicsItem*> items = m_user->childItems();
+    for (qsizetype at = 0; at < items.size(); ++at) {
+        const auto covers = [lower = items[at]](const QGraphicsItem* upper) {
+            const auto* window = qgraphicsitem_cast<const QGraphicsProxyWidget*>(upper);
+            return window && window->widget() && window->widget()->isVisible() &&
+                   upper->mapRectToParent(upper->boundingRect())
+                       .contains(lower->mapRectToParent(lower->boundingRect()));
+        };
+        items[at]->setOpacity(std::any_of(items.cbegin() + at + 1, items.cend(), covers) ? 0 : 1);
+    }
+}
+
 void DeviceScreen::window_hidden(QWidget* widget)
 {
     m_pop_ups.removeAll(widget);
     m_pop_ups.removeAll(nullptr);
     m_activation_order.removeAll(widget);
     restore_activation();
+    omit_covered_windows();
 }
 
 void DeviceScreen::restore_activation()
@@ -284,6 +301,7 @@ void DeviceScreen::stack_under(QWidget* lower, QWidget* upper)
     items.insert(items.indexOf(upper_item), lower_item);
     for (qsizetype at = 0; at < items.size(); ++at)
         items[at]->setZValue(static_cast<qreal>(at));
+    omit_covered_windows();
 }
 
 void DeviceScreen::raise_window(QWidget* widget)
@@ -294,6 +312,7 @@ void DeviceScreen::raise_window(QWidget* widget)
     const QGraphicsItem* const top = m_user->childItems().last();
     if (top != item)
         item->setZValue(top->zValue() + 1);
+    omit_covered_windows();
 }
 
 void DeviceScreen::keep_pop_up_on_screen(QWidget* pop_up)
@@ -348,6 +367,11 @@ bool DeviceScreen::eventFilter(QObject* object, QEvent* event)
     case QEvent::HideToParent:
         if (auto* widget = qobject_cast<QWidget*>(object); widget && widget->isWindow() && widget != this)
             window_hidden(widget);
+        break;
+    case QEvent::Move:
+    case QEvent::Resize:
+        if (auto* widget = qobject_cast<QWidget*>(object); widget && widget->isWindow() && item_of(widget))
+            omit_covered_windows();
         break;
     default:
         break;

@@ -108,6 +108,7 @@ private:
     void window_hidden(QWidget* widget);
     void restore_activation();
     void keep_pop_up_on_screen(QWidget* pop_up);
+    void omit_covered_windows();
     WindowItem* item_of(const QWidget* widget) const;
     WindowItem* modal_item() const;
 
