@@ -28,11 +28,7 @@ ScreenSaverHold::ScreenSaverHold(QObject* parent) : QObject(parent), connection_
     watcher_.setConnection(connection_);
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString&, const QString&, const QString& new_owner) {
-                grant_ = Grant::None;
-                if (wanted_ && !new_owner.isEmpty())
-                    ask();
-            });
+            [this](const QString&, const QString&, const QString& new_owner) { owner_changed(new_owner); });
     watcher_.addWatchedService(QLatin1String(service));
 }
 
@@ -55,11 +51,26 @@ void ScreenSaverHold::release()
         give_back();
 }
 
+void ScreenSaverHold::owner_changed(const QString& new_owner)
+{
+    if (grant_ == Grant::Asked) {
+        // Who answers is not known yet, the old one or already the new one.
+        new_owner_ = new_owner;
+        return;
+    }
+    if (grant_ == Grant::Given && new_owner == giver_)
+        return;
+    grant_ = Grant::None;
+    if (wanted_ && !new_owner.isEmpty())
+        ask();
+}
+
 void ScreenSaverHold::ask()
 {
     if (!connection_.isConnected())
         return;
     grant_ = Grant::Asked;
+    refused_ = false;
     QDBusMessage call = call_of("Inhibit");
     call << QStringLiteral("tavel_video") << tr("Playing a video");
     auto* const watcher = new QDBusPendingCallWatcher(connection_.asyncCall(call), this);
@@ -70,17 +81,22 @@ void ScreenSaverHold::answered(QDBusPendingCallWatcher* watcher)
 {
     watcher->deleteLater();
     const QDBusPendingReply<uint> reply = *watcher;
+    const QString new_owner = std::exchange(new_owner_, QString());
     if (reply.isError()) {
         grant_ = Grant::None;
+        refused_ = true;
         if (!refusal_reported_)
             qInfo("the screen saver cannot be held off: %s", qUtf8Printable(reply.error().message()));
         refusal_reported_ = true;
-        return;
+    } else {
+        grant_ = Grant::Given;
+        cookie_ = reply.value();
+        giver_ = reply.reply().service();
+        if (!wanted_)
+            give_back();
     }
-    grant_ = Grant::Given;
-    cookie_ = reply.value();
-    if (!wanted_)
-        give_back();
+    if (!new_owner.isEmpty())
+        owner_changed(new_owner);
 }
 
 void ScreenSaverHold::give_back()

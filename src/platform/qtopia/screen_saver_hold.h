@@ -21,6 +21,8 @@ public:
     void hold();
     void release();
     bool is_held() const { return wanted_; }
+    /// Whether there is no screen saver that would do it, as far as is known.
+    bool is_refused() const { return refused_; }
 
 private:
     enum class Grant {
@@ -29,6 +31,7 @@ private:
         Given = 2,
     };
 
+    void owner_changed(const QString& new_owner);
     void ask();
     void answered(QDBusPendingCallWatcher* watcher);
     void give_back();
@@ -38,5 +41,8 @@ private:
     bool wanted_ = false;
     Grant grant_ = Grant::None;
     uint cookie_ = 0;
+    QString giver_;     // the program on the bus that gave the cookie
+    QString new_owner_; // the screen saver that came while the old one was being asked
+    bool refused_ = false;
     bool refusal_reported_ = false;
 };
