@@ -63,7 +63,7 @@ void TavelVideo::draw_speed_info()
 void TavelVideo::draw_media_info(const QString& information)
 {
     QString shown = information;
-    if (settings_->get_info_on())
+    if (settings_->get_info_on() && media_player_)
         shown = QStringList{shown, text(TavelVideoString::Audio), media_player_->get_info("container", "audio_streams"),
                             text(TavelVideoString::Subtitle), media_player_->get_info("container", "subtitle_streams")}
                     .join(u' ');

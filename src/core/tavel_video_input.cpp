@@ -41,6 +41,14 @@ constexpr std::array<KeyEvent, 7> KEY_EVENTS{{
 /// Pixels by which one key press moves the controls on a TV.
 constexpr int CONTROLS_STEP = 10;
 
+/// A dialog on the display keeps the toolkit's own list of modal widgets empty.
+bool modal_dialog_is_up()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    return std::any_of(windows.begin(), windows.end(),
+                       [](const QWidget* each) { return each->isVisible() && each->isModal(); });
+}
+
 /// The machine's own signals, which nobody may post.
 constexpr int FIRST_RESERVED_EVENT = 1000;
 constexpr int LAST_RESERVED_EVENT = 1003;
@@ -315,7 +323,7 @@ void TavelVideo::menu_timeout()
 
 void TavelVideo::window_timeout()
 {
-    if (QApplication::activeModalWidget())
+    if (modal_dialog_is_up())
         return;
     DeviceScreen* const screen = DeviceScreen::instance();
     if (active_window_ == screen->active_window())

@@ -101,6 +101,8 @@ QSize TavelVideo::output_size() const
 
 void TavelVideo::toggle_video_out()
 {
+    if (!media_player_)
+        return;
     if (!tv_out_)
         time_bar_->move(TIME_BAR_PLACE);
     tv_out_ = !tv_out_;
@@ -109,6 +111,9 @@ void TavelVideo::toggle_video_out()
 
 void TavelVideo::change_video_out()
 {
+    // Without an engine the program is ending.
+    if (!media_player_)
+        return;
     if (isIn(&TavelVideo::speed_playing_state)) {
         const QCustomEvent play(player_event::play);
         dispatch(&play);
@@ -199,6 +204,8 @@ void TavelVideo::to_lcd()
 
 void TavelVideo::reset_display()
 {
+    if (!media_player_)
+        return;
     const QSize output = output_size();
     media_player_->set_video_window(0, 0, output.width(), output.height());
     media_player_->set_aspect(settings_->get_aspect_ratio());

@@ -420,9 +420,11 @@ private slots:
         player->post(player_event::close);
         player->settle();
         for (int number = 2000; number <= 3010; ++number)
-            if (number != player_event::switch_screen)
-                player->post(number);
+            player->post(number);
         player->settle();
+        player->window()->change_video_out();
+        player->window()->reset_display();
+        player->window()->show_loading_screen();
         QVERIFY(player->in(&TavelVideo::exit_state));
     }
 

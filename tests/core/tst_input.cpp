@@ -606,6 +606,25 @@ private slots:
         QVERIFY(screen->is_active(player->settings()));
     }
 
+    void the_window_timer_leaves_a_notice_alone()
+    {
+        play_in_full_screen();
+        for (unsigned int i = 0; i < 99; ++i)
+            player->bookmarks()->add_track(QStringLiteral("/a"), i);
+        bool in_front = false;
+        player->at_next_notice([&] {
+            player->window()->window_timeout();
+            in_front = DeviceScreen::instance()->is_active(player->notice());
+        });
+        player->post(player_event::add_bookmark);
+        QTRY_COMPARE(player->notices().size(), 1);
+        QVERIFY(in_front);
+        // Nor has it taken the notice for one of the player's windows.
+        DeviceScreen::instance()->activate(player->window());
+        player->window()->window_timeout();
+        QVERIFY(DeviceScreen::instance()->is_active(player->window()));
+    }
+
     // ---- focus
 
     void the_focus_follows_what_is_shown()
