@@ -73,7 +73,7 @@ function(tavel_test)
     "ASAN_OPTIONS=detect_leaks=1:abort_on_error=0"
     "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
     "UBSAN_OPTIONS=print_stacktrace=1"
-    "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/tsan.supp:halt_on_error=0:exitcode=66:second_deadlock_stack=1")
+    "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/tsan.supp:halt_on_error=0:exitcode=66:second_deadlock_stack=1:die_after_fork=0")
   if(NOT ARG_BUS)
     list(APPEND environment "DBUS_SESSION_BUS_ADDRESS=")
   endif()
