@@ -56,7 +56,7 @@ int run_device(Start start)
                          say(message + ' ' + text_of(data).toUtf8());
                          // Programs take their time to start.
                          if (start == Start::Late)
-                             QTimer::singleShot(100, qApp, open_dictionary);
+                             QTimer::singleShot(100, QCoreApplication::instance(), open_dictionary);
                      });
     if (start == Start::Already)
         open_dictionary();
