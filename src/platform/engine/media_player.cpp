@@ -91,7 +91,8 @@ MediaPlayer::Private::Findings MediaPlayer::Private::look_into(const QByteArray&
 void MediaPlayer::Private::forget_file()
 {
     file = {};
-    // The lists stay: they live until the next file is opened.
+    if (subtitles)
+        subtitles->stop_reading();
 }
 
 MediaPlayer::MediaPlayer(MediaCallback* callback) : d(std::make_unique<Private>(callback)) {}

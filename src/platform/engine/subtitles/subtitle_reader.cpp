@@ -1,5 +1,6 @@
 #include "subtitle_reader.h"
 
+#include "media_types.h"
 #include "text_codec.h"
 
 extern "C" {
@@ -50,7 +51,7 @@ QString plain_text(const char* ass)
     return text.trimmed();
 }
 
-void add_line(Stream& stream, AVPacket& packet)
+void add_line(Stream& stream, AVPacket& packet, Time start_of_film)
 {
     AVSubtitle decoded = {};
     int complete = 0;
@@ -67,13 +68,15 @@ void add_line(Stream& stream, AVPacket& packet)
         return;
     constexpr AVRational milliseconds = {1, 1000};
     Subtitle line;
-    line.start = std::max<long long>(1, av_rescale_q(packet.pts, stream.time_base, milliseconds));
-    line.end = line.start + av_rescale_q(packet.duration, stream.time_base, milliseconds);
+    const long long start = av_rescale_q(packet.pts, stream.time_base, milliseconds) - start_of_film;
+    line.start = std::max<long long>(1, start);
+    line.end = start + av_rescale_q(packet.duration, stream.time_base, milliseconds);
     line.text = QTextCodec::codecForName("CP949")->fromUnicode(text).toStdString();
     stream.track.lines.push_back(std::move(line));
 }
 
-std::vector<SubtitleTrack> read_streams(const QString& file, const std::atomic<bool>& cancelled)
+/// @param inside the file is the film itself, whose positions count from its start
+std::vector<SubtitleTrack> read_streams(const QString& file, bool inside, const std::atomic<bool>& cancelled)
 {
     AVFormatContext* opening = avformat_alloc_context();
     if (!opening)
@@ -83,6 +86,9 @@ std::vector<SubtitleTrack> read_streams(const QString& file, const std::atomic<b
         return {};
     const std::unique_ptr<AVFormatContext, FormatCloser> format(opening);
     avformat_find_stream_info(format.get(), nullptr);
+
+    const bool shifted = inside && format->start_time != AV_NOPTS_VALUE;
+    const Time start_of_film = shifted ? format->start_time / (AV_TIME_BASE / 1000) : 0;
 
     std::map<int, Stream> streams;
     for (unsigned index = 0; index < format->nb_streams; ++index) {
@@ -110,7 +116,7 @@ std::vector<SubtitleTrack> read_streams(const QString& file, const std::atomic<b
     const std::unique_ptr<AVPacket, PacketCloser> packet(av_packet_alloc());
     while (packet && !cancelled && !streams.empty() && av_read_frame(format.get(), packet.get()) >= 0) {
         if (const auto found = streams.find(packet->stream_index); found != streams.end())
-            add_line(found->second, *packet);
+            add_line(found->second, *packet, start_of_film);
         av_packet_unref(packet.get());
     }
 
@@ -131,7 +137,7 @@ std::vector<SubtitleTrack> read_subtitle_files(const QString& film)
     if (!QFileInfo(file).isFile())
         return {};
     const std::atomic<bool> never = false;
-    std::vector<SubtitleTrack> tracks = read_streams(file, never);
+    std::vector<SubtitleTrack> tracks = read_streams(file, false, never);
     std::erase_if(tracks, [](const SubtitleTrack& track) { return track.lines.empty(); });
     for (SubtitleTrack& track : tracks)
         track.name = QFileInfo(file).fileName();
@@ -140,5 +146,5 @@ std::vector<SubtitleTrack> read_subtitle_files(const QString& film)
 
 std::vector<SubtitleTrack> read_embedded_subtitles(const QString& film, const std::atomic<bool>& cancelled)
 {
-    return read_streams(film, cancelled);
+    return read_streams(film, true, cancelled);
 }

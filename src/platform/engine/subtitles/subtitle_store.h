@@ -44,6 +44,9 @@ public:
     /// Starts reading what is inside the film, once; @p ready is called when that has come to its end.
     void read_inside(std::shared_ptr<Hook> ready);
 
+    /// Gives up what has not been read yet; the hook is not called any more. The lists stay.
+    void stop_reading() { m_shared->cancelled = true; }
+
     /// @return null while, or when, there is no such track
     const std::vector<Subtitle>* lines(unsigned track) const;
 
