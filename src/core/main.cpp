@@ -2,10 +2,13 @@
 #include "tavel_video.h"
 #include "translation.h"
 
+#include <malloc.h>
 #include <memory>
 
 int main(int argc, char** argv)
 {
+    // One heap for all threads: the engine's many threads allocate little, and a heap for each costs some megabytes.
+    mallopt(M_ARENA_MAX, 1);
     QPEApplication application(argc, argv);
     install_translation(application);
     const auto window = std::make_unique<TavelVideo>(nullptr, "tavel_video", 16);
