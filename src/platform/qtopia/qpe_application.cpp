@@ -204,7 +204,7 @@ void QPEApplication::read_signals()
     if (receivers(SIGNAL(flush())) > 0)
         emit flush();
     else
-        quit();
+        exit(0); // quit() may be refused by a window
 }
 
 void QPEApplication::receive_system_message(const QByteArray& message, const QByteArray& data)
