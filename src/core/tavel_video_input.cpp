@@ -256,6 +256,9 @@ void TavelVideo::mousePressEvent(QMouseEvent*)
 
 bool TavelVideo::eventFilter(QObject* object, QEvent* event)
 {
+    // Events of other objects may still belong to the thread that sent them.
+    if (!object->isWidgetType())
+        return false;
     const QEvent::Type type = event->type();
     if (type == QEvent::KeyPress && filter_panel_key(object, static_cast<QKeyEvent*>(event)))
         return true;

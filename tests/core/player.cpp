@@ -8,6 +8,7 @@
 #include "qcop_envelope.h"
 #include "qpe_application.h"
 #include "script.h"
+#include "shell.h"
 #include "test_main.h"
 #include "tolmi2c.h"
 
@@ -80,6 +81,8 @@ Player::Player(const Device& device)
     Global::set_sleeper([](std::chrono::microseconds time) {
         write(QStringLiteral("wait %1").arg(static_cast<double>(time.count()) / 1000));
     });
+    // No shell: "sync" would hold the whole machine up.
+    Shell::set_recorder([](const QByteArray&) { return 0; });
     listen("QPE/System");
     listen("QPE/TaskBar");
     listen("QPE/Applet/screenchage");
@@ -105,6 +108,7 @@ Player::~Player()
     CFbio::set_recorder({});
     TolmI2c::set_recorder({});
     Global::set_sleeper({});
+    Shell::set_recorder({});
     scripted_engine::clear();
 }
 

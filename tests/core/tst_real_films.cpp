@@ -11,6 +11,7 @@
 #include "qcop_envelope.h"
 #include "qpe_application.h"
 #include "setting_widget.h"
+#include "shell.h"
 #include "subtitle_control.h"
 #include "tavel_video.h"
 #include "test_main.h"
@@ -37,12 +38,14 @@ private slots:
         QFile::link(QStringLiteral(TAVEL_SKIN_DIR), QPEApplication::qpeDir() + QStringLiteral("pics"));
         TavelVideo::forget_seek_return();
         Global::set_sleeper([](std::chrono::microseconds) {});
+        Shell::set_recorder([](const QByteArray&) { return 0; });
         start();
     }
     void cleanup()
     {
         end();
         Global::set_sleeper({});
+        Shell::set_recorder({});
     }
 
     void each_kind_of_film_plays_data()
