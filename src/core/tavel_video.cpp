@@ -126,7 +126,7 @@ TavelVideo::TavelVideo(QWidget* parent, const char* name, unsigned int flags)
     black.setColor(QPalette::Window, Qt::black);
     setPalette(black);
 
-    frame_buffer_.control("/dev/fb0 enable 0");
+    write_frame_buffer(FrameBufferWrite::DisablePlane0);
     channel_ = new QCopChannel(CHANNEL, this);
     connect_signals();
 

@@ -66,6 +66,10 @@ public:
     static constexpr int HIDE_CONTROLS_KEY = 0x2103;
     /// Held key: none.
     static constexpr int NO_KEY = 65535;
+    /// Device flags of the windows that stand by themselves, and of the subtitle widget, which does on a TV.
+    static constexpr unsigned int OWN_WINDOW_FLAGS = 0x200010;
+    /// Where the time bar stands when it does not scan.
+    static constexpr QPoint TIME_BAR_PLACE{0, 192};
 
     /// @param flags are the device's widget flags. The object name names the skin directory and the data directory.
     explicit TavelVideo(QWidget* parent = nullptr, const char* name = "tavel_video", unsigned int flags = 16);
@@ -127,6 +131,8 @@ public:
     /// @{
     /// Milliseconds; 0 when nothing is loaded. Any thread.
     Time position() const { return position_; }
+    /// The status of the last failure that the engine reported, 0 before the first. Any thread.
+    RaskStatus last_error() const { return last_error_; }
     /// Any thread.
     bool is_seek_allowed() const { return seek_allowed_; }
     bool is_full_screen() const { return full_screen_; }
@@ -305,7 +311,17 @@ private:
 
     /// @name Screens
     /// @{
-    enum class FrameBufferWrite : int;
+    /// What is written to the frame buffer's control.
+    enum class FrameBufferWrite : int {
+        DisablePlane0 = 0,
+        DisableVideo = 1,
+        DisableControls = 2,
+        ControlsOnTv = 3,
+        VideoOnTv = 4,
+        ControlsOnLcd = 5,
+        VideoOnLcd = 6,
+        EnableVideo = 7,
+    };
     void write_frame_buffer(FrameBufferWrite write);
     void set_picture_plane(bool on);
     QSize output_size() const;

@@ -21,9 +21,6 @@
 namespace
 {
 
-/// Device flags of the windows that stand by themselves, and of the subtitle widget, which may have to.
-constexpr unsigned int OWN_WINDOW_FLAGS = 0x200010;
-
 /// The layout file's keys for the places of five panels, in the order in which the panels are moved.
 struct PanelPlace {
     const char* x;

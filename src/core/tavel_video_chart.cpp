@@ -34,9 +34,8 @@ constexpr int SETTLE_INTERVAL_US = 10;
 constexpr int SCAN_RATE = 3;
 constexpr Time LEAST_REPEAT_MS = 1000;
 
-/// The time bar while it scans in full screen, and at its own place.
+/// The time bar while it scans in full screen.
 constexpr QPoint SCAN_BAR_PLACE(0, 262);
-constexpr QPoint TIME_BAR_PLACE(0, 192);
 
 /// The film beside the settings dialog.
 constexpr QRect LCD_PREVIEW(12, 64, 221, 126);
@@ -814,7 +813,7 @@ bool TavelVideo::load_movie()
         post_custom_event(this, player_event::seek,
                           player_event::SeekRequest{SeekMode::Forward, 0, start_position_ms_, 0});
     set_colours();
-    select_subtitles();
+    reload_subtitles();
     settings_->refresh_subtitle();
     media_player_->select_stream(static_cast<int>(StreamKind::Audio), static_cast<int>(settings_->get_audio_track()));
     return true;

@@ -20,22 +20,10 @@
 #include <algorithm>
 #include <cstdio>
 
-/// What is written to the frame buffer's control.
-enum class TavelVideo::FrameBufferWrite : int {
-    DisablePlane0 = 0,
-    DisableVideo = 1,
-    DisableControls = 2,
-    ControlsOnTv = 3,
-    VideoOnTv = 4,
-    ControlsOnLcd = 5,
-    VideoOnLcd = 6,
-    EnableVideo = 7,
-};
-
 namespace
 {
 
-/// Indexed by FrameBufferWrite.
+/// Indexed by TavelVideo::FrameBufferWrite.
 constexpr std::array<const char*, 8> FRAME_BUFFER_WRITES{{
     "/dev/fb0 enable 0",
     "/dev/fb1 enable 0",
@@ -50,8 +38,6 @@ constexpr std::array<const char*, 8> FRAME_BUFFER_WRITES{{
 constexpr QSize LCD_OUTPUT(480, 272);
 constexpr QSize TV_OUTPUT(640, 480);
 constexpr QRect WINDOW_PLACE(80, 104, 480, 272);
-constexpr QPoint TIME_BAR_PLACE(0, 192);
-constexpr unsigned int DETACHED_SUBTITLE_FLAGS = 0x200010;
 constexpr int PLANE_WAIT_S = 1;
 
 /// Where the information text stands beside the title bar, and without it.
@@ -171,7 +157,7 @@ void TavelVideo::to_tv()
     wait_for_plane();
     write_frame_buffer(FrameBufferWrite::VideoOnTv);
     wait_for_plane();
-    subtitle_->setParent(nullptr, window_flags(DETACHED_SUBTITLE_FLAGS));
+    subtitle_->setParent(nullptr, window_flags(OWN_WINDOW_FLAGS));
     subtitle_->move(0, 0);
     // A window of its own, but the keys stay with the player's.
     subtitle_->setAttribute(Qt::WA_ShowWithoutActivating);

@@ -76,10 +76,12 @@ private slots:
         QVERIFY(counter->numbers.isEmpty());
     }
 
-    void an_error_is_printed_and_posts_3000()
+    void an_error_is_kept_and_posts_3000()
     {
+        QCOMPARE(player->window()->last_error(), 0U);
         scripted_engine::report_error(0x1234);
         QTRY_COMPARE(counter->count(player_event::engine_error), 1);
+        QCOMPARE(player->window()->last_error(), 0x1234U);
     }
 
     void success_and_status_37_never_reach_the_chart()
@@ -88,6 +90,7 @@ private slots:
         scripted_engine::report_error(37);
         player->settle();
         QVERIFY(counter->numbers.isEmpty());
+        QCOMPARE(player->window()->last_error(), 0U);
     }
 
     void a_stream_that_starts_posts_3006_whatever_its_type()

@@ -1,13 +1,9 @@
-#include "audio_device.h"
 #include "config.h"
-#include "global.h"
 #include "player.h"
-#include "qcop_envelope.h"
 #include "qpe_application.h"
 #include "test_main.h"
 #include "vesk_socket.h"
 
-#include <QtCore/QProcess>
 #include <QtNetwork/QTcpSocket>
 #include <QtWidgets/QComboBox>
 
@@ -166,19 +162,6 @@ private slots:
         player->hand_over(numbered(1000));
         QCOMPARE(player->playlist()->get_count(), 1);
         QCOMPARE(player->playlist()->get_filename(0), QStringLiteral("/later"));
-    }
-
-    void a_list_from_another_process_plays()
-    {
-        const QStringList files = player->make_files(2);
-        QProcess other;
-        other.setProcessEnvironment(sender_environment());
-        other.start(QCoreApplication::applicationFilePath(), files);
-        QVERIFY(other.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(player->in(&TavelVideo::play_state), 20000);
-        QCOMPARE(player->playlist()->get_count(), 2);
-        QTRY_COMPARE_WITH_TIMEOUT(other.state(), QProcess::NotRunning, 20000);
-        QCOMPARE(other.exitCode(), 0);
     }
 
     // ---- other messages
@@ -501,12 +484,6 @@ private:
             files.append(QStringLiteral("/film %1.avi").arg(i));
         return files;
     }
-    static QProcessEnvironment sender_environment()
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("TAVEL_TEST_SENDER"), QStringLiteral("1"));
-        return environment;
-    }
 
     void connect_navigation()
     {
@@ -548,31 +525,5 @@ private:
     QByteArray heard;
 };
 
-namespace
-{
-
-/// The other program: hands its arguments over and ends.
-int send_files(int argc, char** argv)
-{
-    QCoreApplication application(argc, argv);
-    {
-        QCopEnvelope envelope("QPE/Brevaton/video", "transmit_filename(QString)");
-        envelope << QCoreApplication::arguments().mid(1).join(u'\n') + u'\n';
-    }
-    QCopChannel::flush();
-    return 0;
-}
-
-} // namespace
-
-int main(int argc, char** argv)
-{
-    if (qEnvironmentVariableIsSet("TAVEL_TEST_SENDER"))
-        return send_files(argc, argv);
-    test_support::prepare_process();
-    QPEApplication application(argc, argv);
-    MessagesTest test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+TAVEL_TEST_MAIN_WITH(QPEApplication, MessagesTest)
 #include "tst_messages.moc"
