@@ -62,10 +62,8 @@ void TitleSkin::set_dictionary_program(const QString& path)
 
 void TitleSkin::set_filename(const QString& name)
 {
-    if (scroll_timer_.isActive()) {
-        scroll_timer_.stop();
-        scroll_offset_ = 0;
-    }
+    scroll_timer_.stop();
+    scroll_offset_ = 0;
     file_name_ = name;
     if (name_scrolls())
         scroll_timer_.start(SCROLL_INTERVAL_MS);

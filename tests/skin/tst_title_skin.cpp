@@ -313,6 +313,18 @@ private slots:
         QCOMPARE(shown(*title), still_strip("film.avi", 128));
     }
 
+    void new_name_of_a_hidden_strip_starts_from_its_beginning()
+    {
+        title->set_filename(long_name());
+        tick(*title);
+        title->hide();
+        QCOMPARE(title->scroll_offset(), 3);
+        title->set_filename(long_name() + "W");
+        title->show();
+        QCOMPARE(title->scroll_offset(), 0);
+        QCOMPARE(shown(*title), scrolled_strip(long_name() + "W", 128, 0));
+    }
+
     void buttons_take_the_opacity_at_once()
     {
         title->setAlphaOverride(255);
