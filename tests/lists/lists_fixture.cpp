@@ -6,6 +6,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <new>
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -13,6 +14,7 @@
 namespace
 {
 
+bool no_memory = false;
 QString watched_for;
 int watched_count = 0;
 QtMessageHandler handler_before = nullptr;
@@ -57,6 +59,17 @@ void write_panel(QTextStream& layout, const char* group, const QSize& size, cons
 }
 
 } // namespace
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    if (no_memory)
+        return nullptr;
+    try {
+        return ::operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
 
 namespace lists_fixture
 {
@@ -179,6 +192,16 @@ FullDisk::~FullDisk()
     ::getrlimit(RLIMIT_FSIZE, &limit);
     limit.rlim_cur = saved_;
     ::setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+NoMemory::NoMemory()
+{
+    no_memory = true;
+}
+
+NoMemory::~NoMemory()
+{
+    no_memory = false;
 }
 
 std::pair<int, int> inked_columns(const QImage& image, const QRect& rectangle, const QImage& ground)

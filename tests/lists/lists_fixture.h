@@ -90,6 +90,15 @@ private:
     unsigned long saved_;
 };
 
+/// Lets every allocation that may fail (new with std::nothrow) fail as long as it lives.
+class NoMemory
+{
+public:
+    NoMemory();
+    ~NoMemory();
+    Q_DISABLE_COPY_MOVE(NoMemory)
+};
+
 /// Leftmost and rightmost column of @p rectangle in which a pixel of @p image differs from @p ground; -1, -1 when there
 /// is none.
 std::pair<int, int> inked_columns(const QImage& image, const QRect& rectangle, const QImage& ground);

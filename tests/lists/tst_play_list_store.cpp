@@ -36,6 +36,7 @@ private slots:
     void removing_the_now_playing_entry_keeps_the_cursor_on_its_file_data();
     void removing_the_now_playing_entry_keeps_the_cursor_on_its_file();
     void removing_the_now_playing_entry_without_one_does_nothing();
+    void removing_the_only_entry_leaves_none();
     void a_now_playing_index_past_the_end_takes_no_row_with_it();
 
     void moving_exchanges_the_paths_and_keeps_the_numbers_data();
@@ -78,6 +79,7 @@ private slots:
     void a_directory_that_cannot_be_made_is_said_in_one_line();
     void a_full_disk_costs_one_line_and_no_list();
     void a_read_only_directory_costs_one_line_and_no_list();
+    void a_file_without_memory_is_said_and_left_alone();
 
 private:
     void make_panel();
@@ -364,6 +366,18 @@ void TestPlayListStore::removing_the_now_playing_entry_without_one_does_nothing(
     panel_->set_now_playing(-1);
     panel_->remove_now_playing();
     QCOMPARE(files(), letters(3));
+}
+
+void TestPlayListStore::removing_the_only_entry_leaves_none()
+{
+    add({"/a.avi"});
+    const QSignalSpy stop(panel_, &PlayListWidget::stop_signal);
+    const lists_fixture::StandardOutput output;
+    panel_->remove_now_playing();
+    QCOMPARE(panel_->get_count(), 0);
+    QCOMPARE(panel_->get_current_index(), -1);
+    QCOMPARE(panel_->get_now_playing(), -1);
+    QCOMPARE(stop.count(), 1);
 }
 
 void TestPlayListStore::a_now_playing_index_past_the_end_takes_no_row_with_it()
@@ -892,6 +906,32 @@ void TestPlayListStore::a_read_only_directory_costs_one_line_and_no_list()
     panel_->save();
     make_panel();
     QCOMPARE(files(), letters(3) + QStringList{"/new.avi"});
+}
+
+void TestPlayListStore::a_file_without_memory_is_said_and_left_alone()
+{
+    add(letters(2));
+    panel_->save();
+    panel_->start_entry();
+    shell_->commands.clear();
+    const QByteArray line("save : Config file Create Failed! \n");
+    lists_fixture::StandardOutput output;
+    bool can = false;
+    {
+        const lists_fixture::NoMemory no_memory;
+        add({"/new.avi"});
+        panel_->save();
+        panel_->start_entry();
+        panel_->finish_entry();
+        can = panel_->can_entry();
+    }
+    QCOMPARE(output.text(), line.repeated(4));
+    QVERIFY(can);
+    QCOMPARE(shell_->commands, QByteArrayList());
+    QVERIFY(!panel_->can_entry());
+    Config file(file_path(), Config::File);
+    file.setGroup(QStringLiteral("Playlist"));
+    QCOMPARE(file.readListEntry(QStringLiteral("files")), letters(2));
 }
 
 TAVEL_TEST_MAIN_WITH(QPEApplication, TestPlayListStore)

@@ -43,6 +43,7 @@ private slots:
     void every_button_is_composed_on_the_background();
 
     void the_main_window_sees_the_list_s_keys_as_the_panel_s_but_return();
+    void the_main_window_sees_the_list_s_other_events_too();
     void a_key_that_the_main_window_takes_does_not_reach_the_list();
     void other_objects_are_not_filtered();
     void the_list_takes_the_focus();
@@ -408,6 +409,23 @@ void TestPlayListWidget::the_main_window_sees_the_list_s_keys_as_the_panel_s_but
     QCOMPARE(presses(), (QList<int>{Qt::Key_Escape, Qt::Key_F5, Qt::Key_Down}));
     // What the main window does not take goes on to the list.
     QCOMPARE(panel_->get_current_index(), 1);
+}
+
+void TestPlayListWidget::the_main_window_sees_the_list_s_other_events_too()
+{
+    show();
+    const auto seen_of_the_panel = [this](QEvent::Type type) {
+        return std::any_of(window_->seen.cbegin(), window_->seen.cend(),
+                           [&](const auto& seen) { return seen.type == type && seen.object == panel_.get(); });
+    };
+    window_->seen.clear();
+    QTest::keyPress(list(), Qt::Key_Return);
+    QVERIFY(!seen_of_the_panel(QEvent::KeyPress));
+    QTest::keyRelease(list(), Qt::Key_Return);
+    QVERIFY(seen_of_the_panel(QEvent::KeyRelease));
+    QTest::mouseClick(list(), Qt::LeftButton);
+    QVERIFY(seen_of_the_panel(QEvent::MouseButtonPress));
+    QVERIFY(seen_of_the_panel(QEvent::MouseButtonRelease));
 }
 
 void TestPlayListWidget::a_key_that_the_main_window_takes_does_not_reach_the_list()
