@@ -343,6 +343,9 @@ void DeviceScreen::keep_pop_up_on_screen(QWidget* pop_up)
 
 bool DeviceScreen::eventFilter(QObject* object, QEvent* event)
 {
+    // Events of other objects may still belong to the thread that sent them.
+    if (!object->isWidgetType())
+        return false;
 #if defined(__SANITIZE_THREAD__)
     // The other half of the order stated where the video plane posts its event; nobody looks at the event before.
     __tsan_acquire(event);
