@@ -215,9 +215,12 @@ void visit(TavelVideo* window, Shots& shots, const QStringList& films)
     shots.key(Qt::Key_Escape);
     shots.wait_until("the settings to close", [settings] { return !settings->isVisible(); });
 
-    shots.show_controls();
+    shots.post(player_event::enter_full_screen);
+    shots.wait_until("full screen", [window] { return window->is_full_screen(); });
     window->show_loading_screen();
     shots.take("loading");
+    window->findChild<QWidget*>(QStringLiteral("NOW LOADING"))->hide();
+    shots.show_controls();
 
     struct Notice {
         const char* name;

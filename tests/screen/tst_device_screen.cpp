@@ -41,6 +41,7 @@ private slots:
     void a_click_beside_all_windows_keeps_the_active_window();
     void stacking_orders_windows_without_activating_them();
     void a_window_wholly_under_another_lets_the_video_through_instead_of_showing();
+    void a_window_of_fixed_size_can_be_fixed_to_a_larger_one();
     void a_modal_dialog_takes_keys_and_clicks_from_the_others();
     void a_dialog_has_no_frame_and_stands_in_the_middle_unless_it_was_placed();
     void a_message_box_is_answered_by_key();
@@ -284,6 +285,18 @@ void TstDeviceScreen::a_window_wholly_under_another_lets_the_video_through_inste
     QCOMPARE(middle(), QColor(Qt::green));
     upper.hide();
     QCOMPARE(middle(), QColor(Qt::red));
+}
+
+void TstDeviceScreen::a_window_of_fixed_size_can_be_fixed_to_a_larger_one()
+{
+    ProbeWindow window(Qt::red, QRect(whole.topLeft(), QSize(100, 40)));
+    window.setFixedSize(100, 40);
+    window.show();
+    window.setFixedSize(200, 120);
+    QCOMPARE(DeviceScreen::instance()->grab_output().pixelColor(190, 110), QColor(Qt::red));
+    window.setFixedSize(50, 20);
+    QCOMPARE(DeviceScreen::instance()->grab_output().pixelColor(40, 10), QColor(Qt::red));
+    QVERIFY(DeviceScreen::instance()->grab_output().pixelColor(60, 10) != QColor(Qt::red));
 }
 
 void TstDeviceScreen::a_modal_dialog_takes_keys_and_clicks_from_the_others()

@@ -177,6 +177,9 @@ void DeviceScreen::embed(QWidget* widget)
     // A visible item would show the window at once.
     item->setVisible(widget->isVisible());
     item->setWidget(widget);
+    // The toolkit copies the window's limits once; later ones would hold the item back while the window grows.
+    item->setMinimumSize(0, 0);
+    item->setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
 }
 
 void DeviceScreen::release(QWidget* widget)
