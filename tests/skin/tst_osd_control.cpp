@@ -271,6 +271,32 @@ private slots:
         QVERIFY(drawn_rectangle(shown(overlay)).isEmpty());
     }
 
+    void same_geometry_repaints_the_whole_widget()
+    {
+        class Paints : public QObject
+        {
+        public:
+            QRect painted;
+            bool eventFilter(QObject*, QEvent* event) override
+            {
+                if (event->type() == QEvent::Paint)
+                    painted |= static_cast<QPaintEvent*>(event)->rect();
+                return false;
+            }
+        };
+        QWidget window;
+        window.resize(200, 100);
+        OsdControl overlay(&window, "overlay", 0);
+        overlay.setGeometry(10, 10, 100, 40);
+        Paints paints;
+        overlay.installEventFilter(&paints);
+        window.show();
+        QTRY_VERIFY(!paints.painted.isEmpty());
+        paints.painted = QRect();
+        overlay.setGeometry(10, 10, 100, 40);
+        QTRY_COMPARE(paints.painted, QRect(0, 0, 100, 40));
+    }
+
     void background_colour_waits_for_the_next_size()
     {
         OsdControl overlay(nullptr, "overlay", 0);
