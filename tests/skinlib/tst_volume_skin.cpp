@@ -20,6 +20,7 @@ private slots:
 
     void a_press_on_the_bar_sets_the_volume();
     void dragging_sets_the_volume_and_stops_at_the_ends();
+    void hiding_ends_a_drag();
     void a_volume_chosen_again_says_nothing();
     void the_wheel_changes_by_the_step();
     void small_turns_of_the_wheel_add_up();
@@ -168,6 +169,16 @@ void TestVolumeSkin::dragging_sets_the_volume_and_stops_at_the_ends()
     QTest::mouseMove(m_volume, QPoint(70, 10));
     QCOMPARE(sent(*m_volumes), (QList<int>{20, 30, 40, 0}));
     QVERIFY(m_mutes->isEmpty());
+}
+
+void TestVolumeSkin::hiding_ends_a_drag()
+{
+    QTest::mousePress(m_volume, Qt::LeftButton, Qt::NoModifier, QPoint(70, 10));
+    m_volume->hide();
+    m_volume->show();
+    QTest::mouseMove(m_volume, QPoint(90, 10));
+    QTest::mouseRelease(m_volume, Qt::LeftButton, Qt::NoModifier, QPoint(90, 10));
+    QCOMPARE(sent(*m_volumes), QList<int>{20});
 }
 
 void TestVolumeSkin::a_volume_chosen_again_says_nothing()

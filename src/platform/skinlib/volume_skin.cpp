@@ -146,3 +146,9 @@ void VolumeSkin::wheelEvent(QWheelEvent* event)
     if (notches != 0)
         choose(m_value + notches * m_step);
 }
+
+void VolumeSkin::hideEvent(QHideEvent*)
+{
+    // The release goes to somebody else.
+    m_dragging = false;
+}
