@@ -16,6 +16,8 @@ const QString LAYOUT_GROUP = QStringLiteral("VIDEO_CONTROL");
 ControlSkin::ControlSkin(QWidget* parent, const char* name, unsigned int flags) : SkinBase(parent, name, flags)
 {
     long_press_timer_.setSingleShot(true);
+    // The toolkit's usual timer may be early by a twentieth, which would make a long press of a short one.
+    long_press_timer_.setTimerType(Qt::PreciseTimer);
     do_configloading(LAYOUT_GROUP);
 
     Config config(SkinLayout::file(this), Config::File);
