@@ -74,7 +74,10 @@ MediaPlayer::Private::Findings MediaPlayer::Private::look_into(const QByteArray&
         Findings findings;
         findings.file = MediaFile::look(path, shared->cancelled);
         if (findings.file.status == rask::ok)
-            findings.beside = read_subtitle_files(QFile::decodeName(path));
+            findings.beside = read_subtitle_files(
+                QFile::decodeName(path),
+                findings.file.infos[QStringLiteral("video")][QStringLiteral("framerate")].toDouble(),
+                shared->cancelled);
         const std::lock_guard lock(shared->mutex);
         shared->findings = std::move(findings);
     });

@@ -1,150 +1,146 @@
 #include "subtitle_reader.h"
 
-#include "media_types.h"
-#include "text_codec.h"
+#include "ass_reader.h"
+#include "cue_reader.h"
+#include "micro_dvd_reader.h"
+#include "sami_reader.h"
+#include "stream_reader.h"
+#include "subtitle_encoding.h"
+#include "subtitle_files.h"
+#include "timed_text.h"
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-}
-
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 
 #include <algorithm>
-#include <map>
+#include <optional>
 
 namespace
 {
 
-struct FormatCloser {
-    void operator()(AVFormatContext* format) const { avformat_close_input(&format); }
-};
-struct DecoderCloser {
-    void operator()(AVCodecContext* decoder) const { avcodec_free_context(&decoder); }
-};
-struct PacketCloser {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-
-struct Stream {
-    std::unique_ptr<AVCodecContext, DecoderCloser> decoder;
-    AVRational time_base{1, 1000};
-    SubtitleTrack track;
+enum class Kind {
+    Sami = 0,
+    SubRip = 1,
+    Ass = 2,
+    WebVtt = 3,
+    Frames = 4, ///< MicroDVD
+    Rare = 5,   ///< what else comes as ".sub"
 };
 
-int is_cancelled(void* cancelled)
+struct SuffixKind {
+    const char* suffix;
+    Kind kind;
+};
+
+constexpr SuffixKind suffix_kinds[] = {
+    {"smi", Kind::Sami}, {"srt", Kind::SubRip}, {"ass", Kind::Ass},
+    {"ssa", Kind::Ass},  {"vtt", Kind::WebVtt}, {"sub", Kind::Rare},
+};
+
+/// No subtitles are longer; what is, is something else under their name.
+constexpr qint64 most_bytes = 256LL * 1024 * 1024;
+
+/// What the beginning of a file says. Many carry the wrong suffix.
+std::optional<Kind> kind_by_content(const QString& text)
 {
-    return static_cast<const std::atomic<bool>*>(cancelled)->load() ? 1 : 0;
+    constexpr qsizetype looked_at = 8192;
+    const QStringView beginning = QStringView(text).first(std::min(text.size(), looked_at));
+    const auto has = [beginning](const char* word) {
+        return beginning.contains(QLatin1String(word), Qt::CaseInsensitive);
+    };
+    if (beginning.trimmed().startsWith(QLatin1String("WEBVTT")))
+        return Kind::WebVtt;
+    if (has("<sami") || has("<sync"))
+        return Kind::Sami;
+    if (has("[script info]") || has("\ndialogue:"))
+        return Kind::Ass;
+    if (has("-->"))
+        return Kind::SubRip;
+    for (const QStringView line : beginning.split(u'\n')) {
+        if (!line.trimmed().isEmpty())
+            return is_micro_dvd_line(line) ? std::optional(Kind::Frames) : std::nullopt;
+    }
+    return std::nullopt;
 }
 
-/// The text of a dialogue line of the decoder's common form: what follows the eighth comma, without its codes.
-QString plain_text(const char* ass)
+std::optional<Kind> kind_by_suffix(const QString& file)
 {
-    QString text = QString::fromUtf8(ass).section(u',', 8);
-    static const QRegularExpression codes(QStringLiteral("\\{[^}]*\\}|<[^>]*>"));
-    text.remove(codes);
-    text.replace(QLatin1String("\\N"), QLatin1String("\n"), Qt::CaseInsensitive);
-    text.replace(QLatin1String("\\h"), QLatin1String(" "));
-    return text.trimmed();
+    const QString suffix = QFileInfo(file).suffix();
+    for (const SuffixKind& known : suffix_kinds) {
+        if (suffix.compare(QLatin1String(known.suffix), Qt::CaseInsensitive) == 0)
+            return known.kind;
+    }
+    return std::nullopt;
 }
 
-void add_line(Stream& stream, AVPacket& packet, Time start_of_film)
+std::vector<TimedText> read_lines(Kind kind, const QString& text, double frame_rate, const std::atomic<bool>& cancelled)
 {
-    AVSubtitle decoded = {};
-    int complete = 0;
-    if (avcodec_decode_subtitle2(stream.decoder.get(), &decoded, &complete, &packet) < 0 || !complete)
-        return;
-    QStringList texts;
-    for (unsigned index = 0; index < decoded.num_rects; ++index) {
-        if (decoded.rects[index]->ass)
-            texts += plain_text(decoded.rects[index]->ass);
+    switch (kind) {
+    case Kind::SubRip:
+        return read_sub_rip(text, cancelled);
+    case Kind::Ass:
+        return read_ass(text, cancelled);
+    case Kind::WebVtt:
+        return read_web_vtt(text, cancelled);
+    case Kind::Frames:
+        return read_micro_dvd(text, frame_rate, cancelled);
+    case Kind::Rare:
+        return read_rare_text(text, cancelled);
+    case Kind::Sami:
+        break;
     }
-    avsubtitle_free(&decoded);
-    const QString text = texts.join(u'\n');
-    if (text.isEmpty() || packet.pts == AV_NOPTS_VALUE)
-        return;
-    constexpr AVRational milliseconds = {1, 1000};
-    Subtitle line;
-    const long long start = av_rescale_q(packet.pts, stream.time_base, milliseconds) - start_of_film;
-    line.start = std::max<long long>(1, start);
-    line.end = start + av_rescale_q(packet.duration, stream.time_base, milliseconds);
-    line.text = QTextCodec::codecForName("CP949")->fromUnicode(text).toStdString();
-    stream.track.lines.push_back(std::move(line));
-}
-
-/// @param inside the file is the film itself, whose positions count from its start
-std::vector<SubtitleTrack> read_streams(const QString& file, bool inside, const std::atomic<bool>& cancelled)
-{
-    AVFormatContext* opening = avformat_alloc_context();
-    if (!opening)
-        return {};
-    opening->interrupt_callback = {is_cancelled, const_cast<std::atomic<bool>*>(&cancelled)};
-    if (avformat_open_input(&opening, ("file:" + QFile::encodeName(file)).constData(), nullptr, nullptr) < 0)
-        return {};
-    const std::unique_ptr<AVFormatContext, FormatCloser> format(opening);
-    avformat_find_stream_info(format.get(), nullptr);
-
-    const bool shifted = inside && format->start_time != AV_NOPTS_VALUE;
-    const Time start_of_film = shifted ? format->start_time / (AV_TIME_BASE / 1000) : 0;
-
-    std::map<int, Stream> streams;
-    for (unsigned index = 0; index < format->nb_streams; ++index) {
-        AVStream& source = *format->streams[index];
-        const AVCodecDescriptor* const descriptor = avcodec_descriptor_get(source.codecpar->codec_id);
-        const AVCodec* const codec = avcodec_find_decoder(source.codecpar->codec_id);
-        source.discard = AVDISCARD_ALL;
-        if (source.codecpar->codec_type != AVMEDIA_TYPE_SUBTITLE || !descriptor || !codec ||
-            (descriptor->props & AV_CODEC_PROP_TEXT_SUB) == 0)
-            continue;
-        Stream stream;
-        stream.decoder.reset(avcodec_alloc_context3(codec));
-        if (!stream.decoder || avcodec_parameters_to_context(stream.decoder.get(), source.codecpar) < 0)
-            continue;
-        stream.decoder->pkt_timebase = source.time_base;
-        if (avcodec_open2(stream.decoder.get(), codec, nullptr) < 0)
-            continue;
-        stream.time_base = source.time_base;
-        const AVDictionaryEntry* const language = av_dict_get(source.metadata, "language", nullptr, 0);
-        stream.track.name = language ? QString::fromUtf8(language->value) : QString::number(streams.size() + 1);
-        source.discard = AVDISCARD_DEFAULT;
-        streams.emplace(static_cast<int>(index), std::move(stream));
-    }
-
-    const std::unique_ptr<AVPacket, PacketCloser> packet(av_packet_alloc());
-    while (packet && !cancelled && !streams.empty() && av_read_frame(format.get(), packet.get()) >= 0) {
-        if (const auto found = streams.find(packet->stream_index); found != streams.end())
-            add_line(found->second, *packet, start_of_film);
-        av_packet_unref(packet.get());
-    }
-
-    std::vector<SubtitleTrack> tracks;
-    for (auto& [index, stream] : streams) {
-        std::stable_sort(stream.track.lines.begin(), stream.track.lines.end(), less_mag());
-        tracks.push_back(std::move(stream.track));
-    }
-    return tracks;
+    return {};
 }
 
 } // namespace
 
-std::vector<SubtitleTrack> read_subtitle_files(const QString& film)
+std::vector<SubtitleTrack> read_subtitle_file(const QString& file, double frame_rate,
+                                              const std::atomic<bool>& cancelled)
 {
-    const QFileInfo info(film);
-    const QString file = info.dir().filePath(info.completeBaseName() + QStringLiteral(".srt"));
-    if (!QFileInfo(file).isFile())
+    QFile source(file);
+    // A pipe or a device would hold up the start of the film.
+    if (!QFileInfo(file).isFile() || source.size() > most_bytes || !source.open(QIODevice::ReadOnly))
         return {};
-    const std::atomic<bool> never = false;
-    std::vector<SubtitleTrack> tracks = read_streams(file, false, never);
-    std::erase_if(tracks, [](const SubtitleTrack& track) { return track.lines.empty(); });
-    for (SubtitleTrack& track : tracks)
-        track.name = QFileInfo(file).fileName();
-    return tracks;
+    QByteArray bytes;
+    constexpr qint64 block = 1024 * 1024;
+    for (QByteArray read = source.read(block); !read.isEmpty() && !cancelled; read = source.read(block)) {
+        bytes += read;
+        if (!is_text(bytes))
+            return {};
+    }
+    const QString text = decode_guessed(bytes);
+    bytes.clear();
+    const std::optional<Kind> told = kind_by_content(text);
+    const std::optional<Kind> kind = told ? told : kind_by_suffix(file);
+    if (!kind || cancelled)
+        return {};
+
+    const QString name = QFileInfo(file).fileName();
+    if (*kind == Kind::Sami) {
+        std::vector<SubtitleTrack> tracks = read_sami(text, cancelled);
+        for (SubtitleTrack& track : tracks) {
+            if (track.name.isEmpty())
+                track.name = name;
+        }
+        return tracks;
+    }
+    SubtitleTrack track{name, in_order(read_lines(*kind, text, frame_rate, cancelled))};
+    if (track.lines.empty())
+        return {};
+    return {std::move(track)};
 }
 
-std::vector<SubtitleTrack> read_embedded_subtitles(const QString& film, const std::atomic<bool>& cancelled)
+std::vector<SubtitleTrack> read_subtitle_files(const QString& film, double frame_rate,
+                                               const std::atomic<bool>& cancelled)
 {
-    return read_streams(film, true, cancelled);
+    std::vector<SubtitleTrack> tracks;
+    for (const QString& file : subtitle_files_of(film)) {
+        for (SubtitleTrack& track : read_subtitle_file(file, frame_rate, cancelled)) {
+            if (tracks.size() < most_subtitle_tracks)
+                tracks.push_back(std::move(track));
+        }
+        if (tracks.size() == most_subtitle_tracks || cancelled)
+            break;
+    }
+    return tracks;
 }

@@ -13,11 +13,24 @@ struct SubtitleTrack {
     std::vector<Subtitle> lines; ///< sorted by start
 };
 
+/// How many tracks a film has at most.
+inline constexpr std::size_t most_subtitle_tracks = 8;
+
 /// Reads the files beside a film that carry its name and a subtitle suffix.
 ///
 /// Quick enough for the thread that opens a film. Any thread.
-/// @return their tracks in a fixed order; files without a line are left out.
-std::vector<SubtitleTrack> read_subtitle_files(const QString& film);
+/// @param frame_rate the film's, for files that count frames; 0 when unknown
+/// @param cancelled looked at all the time: when it turns true the answer is what has been read by then.
+/// @return their tracks in a fixed order, as many as a film may have; files without a line are left out.
+std::vector<SubtitleTrack> read_subtitle_files(const QString& film, double frame_rate,
+                                               const std::atomic<bool>& cancelled);
+
+/// Reads one subtitle file of any kind. Any thread.
+///
+/// The file's content tells how it is read, and its suffix where that is silent.
+/// @return nothing for what cannot be read or holds no line. Parameters as above.
+std::vector<SubtitleTrack> read_subtitle_file(const QString& file, double frame_rate,
+                                              const std::atomic<bool>& cancelled);
 
 /// Reads the text streams inside a film. Has to walk through the whole file; any thread but the one that draws.
 ///

@@ -16,7 +16,7 @@
 class SubtitleStore
 {
 public:
-    static constexpr std::size_t most_tracks = 8;
+    static constexpr std::size_t most_tracks = most_subtitle_tracks;
 
     /// Calls a hook from any thread; removing it waits until it is not running any more.
     class Hook

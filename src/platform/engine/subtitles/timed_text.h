@@ -1,0 +1,21 @@
+#pragma once
+
+#include "subtitle.h"
+
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+/// A line as a file tells it, its text already plain.
+struct TimedText {
+    long long start = 0;          ///< milliseconds
+    std::optional<long long> end; ///< milliseconds; nothing when the next line ends it
+    QString text;                 ///< empty: takes the line before it off the screen
+};
+
+/// Puts lines in order for the screen: sorted by start, a start of 0 becomes 1, a missing end is the next line's start.
+///
+/// What begins at the same time becomes one line, since the screen can show only one of them. Blank lines are left out.
+/// Texts come out in the device's code page. Any thread.
+std::vector<Subtitle> in_order(std::vector<TimedText> lines);
