@@ -5,6 +5,43 @@
 
 #include <QtTest/QtTest>
 
+#include <cstdio>
+#include <unistd.h>
+
+namespace
+{
+
+/// Keeps what the process prints while it lives.
+class PrintedText
+{
+public:
+    PrintedText()
+    {
+        std::fflush(stdout);
+        if (file_.open())
+            dup2(file_.handle(), STDOUT_FILENO);
+    }
+    ~PrintedText() { take(); }
+
+    /// Ends the keeping. @return what was printed.
+    QByteArray take()
+    {
+        if (terminal_ < 0)
+            return {};
+        std::fflush(stdout);
+        dup2(terminal_, STDOUT_FILENO);
+        close(std::exchange(terminal_, -1));
+        file_.seek(0);
+        return file_.readAll();
+    }
+
+private:
+    int terminal_ = dup(STDOUT_FILENO);
+    QTemporaryFile file_;
+};
+
+} // namespace
+
 class EngineBridgeTest : public QObject
 {
     Q_OBJECT
@@ -154,6 +191,21 @@ private slots:
         scripted_engine::report_time(3500);
         player->settle();
         QCOMPARE(counter->count(player_event::subtitle_redraw), 0);
+    }
+
+    void every_error_and_the_end_of_the_film_are_printed()
+    {
+        PrintedText printed;
+        scripted_engine::report_error(0x12ab);
+        scripted_engine::report_error(0);
+        scripted_engine::report_error(37);
+        scripted_engine::report_stream(StreamType::Film, StreamState::Ended);
+        scripted_engine::report_stream(StreamType::Film, StreamState::Started);
+        const QByteArray text = printed.take();
+        QCOMPARE(text.count("handle_error: "), 3);
+        QVERIFY2(text.contains("handle_error: 0x000012ab \nhandle_error: 0x00000000 \nhandle_error: 0x00000025 \n"),
+                 text.constData());
+        QCOMPARE(text.count("EOS!!!\n"), 1);
     }
 
     void reports_wait_for_the_event_loop()

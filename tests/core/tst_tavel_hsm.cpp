@@ -272,6 +272,7 @@ private slots:
     void drilling_over_two_levels_is_reported();
     void source_not_above_the_current_state_is_reported_and_survived();
     void entry_path_beyond_eight_is_reported_and_still_entered();
+    void a_target_without_a_place_in_the_tree_is_reported_and_survived();
     void reserved_events_stand_in_their_table();
     void thirty_two_actions_are_searched_every_time();
     void random_trees_behave_as_the_reference();
@@ -511,6 +512,19 @@ void TestTavelHsm::entry_path_beyond_eight_is_reported_and_still_entered()
     QCOMPARE(log.first(), QString("exit 11"));
     QCOMPARE(log.at(1), QString("enter 0"));
     QCOMPARE(log.last(), QString("enter 10"));
+}
+
+void TestTavelHsm::a_target_without_a_place_in_the_tree_is_reported_and_survived()
+{
+    std::vector<Node> nodes = family_tree();
+    TableMachine machine(nodes, 0, true);
+    machine.start();
+    machine.set_source_for_test(3);
+    TavelHsm::Tran tran;
+    QTest::ignoreMessage(QtWarningMsg, "ASSERT: \"0\" in tavel_hsm (171)");
+    machine.tranStat(&tran, {});
+    QCOMPARE(machine.log().mid(7), (QStringList{"exit 3", "exit 2", "exit 1", "exit 0"}));
+    QCOMPARE(machine.isIn(TableMachine::state_of(0)), 0);
 }
 
 void TestTavelHsm::reserved_events_stand_in_their_table()
