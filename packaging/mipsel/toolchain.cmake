@@ -18,5 +18,7 @@ file(GLOB qt_host_cmake "/usr/lib/*-linux-gnu/cmake/Qt6CoreTools")
 list(GET qt_host_cmake 0 qt_host_cmake)
 get_filename_component(qt_host_cmake "${qt_host_cmake}" DIRECTORY)
 set(QT_HOST_PATH_CMAKE_DIR "${qt_host_cmake}")
+# The translators' tools are programs of this machine, not of the device.
+set(Qt6LinguistTools_DIR "${qt_host_cmake}/Qt6LinguistTools")
 # Found in the sysroot at run time of the linker: libraries that libraries need.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,-rpath-link,${CMAKE_SYSROOT}/usr/lib/mipsel-linux-gnu:${CMAKE_SYSROOT}/lib/mipsel-linux-gnu:${CMAKE_SYSROOT}/usr/lib/mipsel-linux-gnu/pulseaudio:${CMAKE_SYSROOT}/usr/lib/mipsel-linux-gnu/blas:${CMAKE_SYSROOT}/usr/lib/mipsel-linux-gnu/lapack")

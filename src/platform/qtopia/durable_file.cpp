@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -123,7 +124,9 @@ DurableFile::State DurableFile::read(QByteArray& content, QString& fault) const
         fault = QStringLiteral("not a regular file");
         return State::Unreadable;
     }
-    content.reserve(status.st_size);
+    // Room ahead for what is usual; a file's size does not fit a byte array on every machine.
+    constexpr off_t room_ahead = 1 << 20;
+    content.reserve(static_cast<qsizetype>(std::min(status.st_size, room_ahead)));
     char block[65536];
     for (;;) {
         const ssize_t count = ::read(file.number(), block, sizeof block);
