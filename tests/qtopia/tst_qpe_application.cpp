@@ -84,10 +84,12 @@ private slots:
 void TestQPEApplication::files_of_the_command_line_arrive_once_the_event_loop_runs()
 {
     ChildProgram player;
-    player.start_role("play", {QStringLiteral("a b.avi"), QStringLiteral("/media/영화.avi"),
-                               QStringLiteral("--no-such-option"), QStringLiteral("file:///x%20y.avi"),
-                               QStringLiteral("line\nfeed.avi"), QStringLiteral("--"), QStringLiteral("-dash.avi")});
-    const QByteArray files = absolute("a b.avi") + "|/media/영화.avi|/x y.avi|" + absolute("-dash.avi") + '|';
+    player.start_role("play",
+                      {QStringLiteral("a b.avi"), QStringLiteral("/media/영화.avi"), QStringLiteral("--no-such-option"),
+                       QStringLiteral("file:///x%20y.avi"), QStringLiteral("line\nfeed.avi"),
+                       QStringLiteral("file:z.avi"), QStringLiteral("--"), QStringLiteral("-dash.avi")});
+    const QByteArray files =
+        absolute("a b.avi") + "|/media/영화.avi|/x y.avi|" + absolute("file:z.avi") + '|' + absolute("-dash.avi") + '|';
     QTRY_COMPARE(player.lines(), (QList<QByteArray>{"made", "ready", "transmit_filename(QString) " + files}));
 }
 

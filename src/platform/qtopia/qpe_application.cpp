@@ -63,8 +63,8 @@ QStringList files_of(const QStringList& arguments)
             only_files = argument == QStringLiteral("--");
             continue;
         }
-        const QUrl url(argument);
-        const QString path = url.isLocalFile() ? url.toLocalFile() : argument;
+        // "file:name" without slashes is a file of that name.
+        const QString path = argument.startsWith(QStringLiteral("file://")) ? QUrl(argument).toLocalFile() : argument;
         if (path.isEmpty())
             continue;
         if (path.contains(u'\n') || path.contains(QChar::ReplacementCharacter)) {
