@@ -2,7 +2,15 @@
 #include "sound_output.h"
 #include "test_main.h"
 
+#include <QLocalServer>
+#include <QtEndian>
+
+#include <poll.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+
+#include <atomic>
+#include <thread>
 
 using namespace std::chrono_literals;
 
@@ -557,6 +565,144 @@ private slots:
         QVERIFY(bench.seek(500));
         QVERIFY(bench.recorder.position() >= 0 && bench.recorder.position() < 10000);
         QVERIFY(!bench.recorder.reports().join(u' ').contains(QStringLiteral("error")));
+    }
+
+    void a_film_whose_timestamps_jump_plays_to_its_end_data()
+    {
+        QTest::addColumn<QString>("first");
+        QTest::addColumn<QString>("second");
+        QTest::newRow("an hour ahead") << QStringLiteral("h264.ts") << QStringLiteral("offset.ts");
+        QTest::newRow("an hour back") << QStringLiteral("offset.ts") << QStringLiteral("h264.ts");
+    }
+
+    void a_film_whose_timestamps_jump_plays_to_its_end()
+    {
+        QFETCH(QString, first);
+        QFETCH(QString, second);
+        QTemporaryDir directory;
+        QFile before(test_films::path(first));
+        QFile after(test_films::path(second));
+        QVERIFY(before.open(QIODevice::ReadOnly) && after.open(QIODevice::ReadOnly));
+        const QString jump = directory.filePath(QStringLiteral("jump.ts"));
+        write_file(jump, before.readAll() + after.readAll());
+        Bench bench;
+        QVERIFY(bench.start(jump));
+        // The numbers of the frames start again where the second film does.
+        int highest = -1;
+        const auto has_started_again = [&highest] {
+            const int frame = Bench::frame();
+            highest = std::max(highest, frame);
+            return highest > 100 && frame >= 0 && frame < 75;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(has_started_again(), 15000);
+        QVERIFY(bench.recorder.wait_for_reports(5, 20s));
+        QCOMPARE(bench.recorder.reports(), started + ended);
+    }
+
+    void a_film_of_unknown_length_plays_but_is_not_scanned()
+    {
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("unknown_length.mkv")));
+        QCOMPARE(bench.player.get_info("video", "time").toInt(), 0);
+        QVERIFY(bench.runs_on(300));
+        QCOMPARE(bench.player.scan_forward(3), rask::not_supported);
+        QCOMPARE(bench.player.scan_backward(3), rask::not_supported);
+        QVERIFY(bench.runs_on(300));
+        QVERIFY(bench.recorder.wait_for_reports(5, 20s));
+        QCOMPARE(bench.recorder.reports(), started + ended);
+    }
+
+    void a_film_that_tells_a_wrong_length_ends_where_it_ends_data()
+    {
+        QTest::addColumn<double>("told");
+        QTest::newRow("too long") << 60000.0;
+        QTest::newRow("too short") << 2000.0;
+    }
+
+    void a_film_that_tells_a_wrong_length_ends_where_it_ends()
+    {
+        QFETCH(double, told);
+        QTemporaryDir directory;
+        QFile whole(test_films::path("h264.mkv"));
+        QVERIFY(whole.open(QIODevice::ReadOnly));
+        QByteArray film = whole.readAll();
+        const qsizetype place = film.indexOf(QByteArray("\x44\x89\x88"));
+        QVERIFY(place > 0);
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &told, sizeof bits);
+        qToBigEndian(bits, film.data() + place + 3);
+        const QString liar = directory.filePath(QStringLiteral("liar.mkv"));
+        write_file(liar, film);
+        Bench bench;
+        QVERIFY(bench.start(liar));
+        QCOMPARE(bench.player.get_info("video", "time").toDouble(), told);
+        QVERIFY(bench.recorder.wait_for_reports(5, 20s));
+        QCOMPARE(bench.recorder.reports(), started + ended);
+        QVERIFY2(std::abs(bench.recorder.position() - test_films::length_ms) < 300,
+                 qPrintable(QString::number(bench.recorder.position())));
+        QVERIFY(bench.seek(static_cast<Time>(told) / 2));
+        QVERIFY(!bench.recorder.reports().join(u' ').contains(QStringLiteral("error")));
+    }
+
+    void a_film_with_one_key_frame_is_scanned_to_its_end()
+    {
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("one_key_frame.mp4")));
+        QVERIFY(bench.runs_on(200));
+        QCOMPARE(bench.player.scan_forward(3), rask::ok);
+        QVERIFY(bench.recorder.wait_for_reports(5, 10s));
+        QCOMPARE(bench.recorder.reports(), started + ended);
+    }
+
+    void each_of_many_sound_tracks_can_be_chosen()
+    {
+        Bench bench;
+        QVERIFY(bench.load(test_films::path("many_sounds.mkv")));
+        QCOMPARE(bench.player.get_info("container", "audio_streams"), QStringLiteral("32"));
+        for (int track = 1; track <= 32; ++track)
+            QCOMPARE(bench.player.select_stream(2, track), rask::ok);
+        QCOMPARE(bench.player.select_stream(2, 33), rask::out_of_range);
+        QCOMPARE(bench.player.play(), rask::ok);
+        QVERIFY(bench.recorder.wait_for_reports(5, 20s));
+        QCOMPARE(bench.recorder.reports(), started + ended);
+    }
+
+    void a_sound_server_that_hangs_up_leaves_the_film_its_time()
+    {
+        QTemporaryDir directory;
+        QLocalServer server;
+        QVERIFY(server.listen(directory.filePath(QStringLiteral("sound"))));
+        const QByteArray before = qgetenv("PULSE_SERVER");
+        qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(server.fullServerName()));
+        std::atomic<bool> over = false;
+        int callers = 0;
+        std::thread sound_server([&] {
+            while (!over) {
+                pollfd caller{static_cast<int>(server.socketDescriptor()), POLLIN, 0};
+                if (::poll(&caller, 1, 20) <= 0)
+                    continue;
+                if (const int line = ::accept(caller.fd, nullptr, nullptr); line >= 0) {
+                    ++callers;
+                    ::close(line);
+                }
+            }
+        });
+        double rate = 0;
+        {
+            Bench bench;
+            if (bench.start(test_films::path("minute.mp4")) && bench.runs_on(200)) {
+                QElapsedTimer clock;
+                clock.start();
+                const Time from = bench.recorder.position();
+                if (bench.runs_on(2000))
+                    rate = static_cast<double>(bench.recorder.position() - from) / static_cast<double>(clock.elapsed());
+            }
+        }
+        over = true;
+        sound_server.join();
+        before.isNull() ? qunsetenv("PULSE_SERVER") : qputenv("PULSE_SERVER", before);
+        QVERIFY(callers > 0);
+        QVERIFY2(rate > 0.8 && rate < 1.2, qPrintable(QString::number(rate)));
     }
 
     void a_late_picture_keeps_its_time()

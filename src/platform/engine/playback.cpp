@@ -242,12 +242,13 @@ void Playback::run()
             m_task_arrived.wait(lock, [this] { return !m_tasks.empty(); });
             continue;
         }
+        // Even with no time to wait the library goes to sleep for a moment, so nobody looks whether there is more: what
+        // is queued comes before a deadline that has passed.
         const mpv_event* event = mpv_wait_event(m_core->handle(), seconds_to_deadline());
-        while (event->event_id != MPV_EVENT_NONE) {
+        if (event->event_id != MPV_EVENT_NONE)
             handle(*event);
-            event = mpv_wait_event(m_core->handle(), 0);
-        }
-        check_deadlines();
+        else
+            check_deadlines();
     }
     abandon_core();
 }
