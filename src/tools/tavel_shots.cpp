@@ -19,6 +19,7 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTimer>
 #include <QtTest/QTest>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QTabWidget>
 
 #include <cstdio>
@@ -146,6 +147,18 @@ void write_settings()
     config.writeEntry(QStringLiteral("menutime"), 0);
 }
 
+QWidget* top_level(const char* name);
+
+/// Chooses the film's second subtitle track, as a viewer does in the settings.
+void choose_second_subtitles()
+{
+    auto* tracks = top_level("VIDEO SETTING")->findChild<QComboBox*>(QStringLiteral("subtitle_combo_track"));
+    if (tracks == nullptr || tracks->count() < 2)
+        return;
+    tracks->setCurrentIndex(1);
+    Q_EMIT tracks->activated(1);
+}
+
 QWidget* top_level(const char* name)
 {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -166,6 +179,10 @@ void visit(TavelVideo* window, Shots& shots, const QStringList& films)
 
     shots.hand_over(films);
     shots.wait_for_play();
+    if (QLocale::system().language() == QLocale::Korean) {
+        choose_second_subtitles();
+        shots.post(player_event::reload_subtitles);
+    }
     shots.take("full-screen-information");
     shots.wait_for_position(1500);
     shots.take("full-screen-subtitle");
@@ -217,8 +234,12 @@ void visit(TavelVideo* window, Shots& shots, const QStringList& films)
 
     shots.post(player_event::enter_full_screen);
     shots.wait_until("full screen", [window] { return window->is_full_screen(); });
+    shots.post(player_event::pause);
+    shots.wait_until("the pause", [window] { return window->isIn(&TavelVideo::pause_state) != 0; });
     window->show_loading_screen();
     shots.take("loading");
+    shots.post(player_event::play);
+    shots.wait_for_play();
     window->findChild<QWidget*>(QStringLiteral("NOW LOADING"))->hide();
     shots.show_controls();
 
