@@ -95,6 +95,7 @@ private:
     void add_text(QStringView text);
     void tell(const QString& text);
     void close_paragraph();
+    void close_time();
     void pass_comment();
 
     QStringView m_source;
@@ -140,18 +141,20 @@ std::optional<Tag> SamiReader::take_tag()
     return tag;
 }
 
-/// Takes everything up to a closing tag, or up to what certainly is no part of it when it never comes.
+/// Takes everything up to a closing tag, or up to what certainly is no part of it when that never comes.
 QStringView SamiReader::take_raw(const char* closing)
 {
     const QStringView rest = m_source.sliced(m_at);
-    qsizetype end = rest.indexOf(QLatin1String(closing), 0, Qt::CaseInsensitive);
-    if (end < 0) {
-        end = rest.size();
-        for (const char* const other : {"<body", "<sync"}) {
-            const qsizetype found = rest.first(end).indexOf(QLatin1String(other), 0, Qt::CaseInsensitive);
-            end = found >= 0 ? found : end;
-        }
+    qsizetype end = rest.indexOf(u'<');
+    for (; end >= 0; end = rest.indexOf(u'<', end + 1)) {
+        const QStringView tag = rest.sliced(end);
+        const auto begins = [tag](const char* name) {
+            return tag.startsWith(QLatin1String(name), Qt::CaseInsensitive);
+        };
+        if (begins(closing) || begins("<body") || begins("<sync"))
+            break;
     }
+    end = end < 0 ? rest.size() : end;
     m_at += end;
     return rest.first(end);
 }
@@ -233,16 +236,21 @@ void SamiReader::close_paragraph()
     m_text.clear();
 }
 
+void SamiReader::close_time()
+{
+    close_paragraph();
+    // A time with nothing behind it takes the line off the screen.
+    if (m_start && !m_told)
+        tell({});
+}
+
 void SamiReader::obey(const Tag& tag)
 {
     if (tag.is("sync")) {
         const std::optional<long long> start = milliseconds(tag.value(QLatin1String("start")));
         if (!start)
             return;
-        close_paragraph();
-        // A time with nothing behind it takes the line off the screen.
-        if (m_start && !m_told)
-            tell({});
+        close_time();
         m_start = start;
         m_told = false;
         m_end = milliseconds(tag.value(QLatin1String("end")));
@@ -278,7 +286,7 @@ std::vector<SubtitleTrack> SamiReader::read()
             ++m_at;
         }
     }
-    close_paragraph();
+    close_time();
 
     std::vector<std::size_t> order;
     for (const QString& listed : m_listed)

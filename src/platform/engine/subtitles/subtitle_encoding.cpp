@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <tuple>
 #include <vector>
 
 namespace
@@ -175,45 +176,110 @@ bool is_common_hangul(uchar lead, uchar trail)
     return lead >= 0xB0 && lead <= 0xC8 && trail >= 0xA1;
 }
 
-/// Reads the bytes from @p from up to @p to, a stretch without blanks, in the way that loses the fewest characters: a
-/// lost byte must not shift the pairs behind it.
-void mend(QByteArrayView bytes, qsizetype from, qsizetype to, std::vector<char16_t>& units)
+/// Reads damaged stretches of CP949 in the way that loses the fewest characters: a lost byte must not shift the pairs
+/// behind it.
+class Mender
 {
-    constexpr int fault_cost = 64;
-    constexpr int seldom_cost = 2;
+public:
+    explicit Mender(QByteArrayView bytes) : m_bytes(bytes) {}
+
+    /// Reads the bytes from @p from up to @p to, a stretch without blanks.
+    void mend(qsizetype from, qsizetype to, std::vector<char16_t>& units);
+
+private:
+    enum class Step { Plain = 0, Pair = 1, LostPair = 2, LostByte = 3 };
+
+    void see_pairs();
+    int pair_cost(uchar lead, uchar trail) const;
+    int lost_byte_cost(qsizetype at, qsizetype from, qsizetype to) const;
+
+    QByteArrayView m_bytes;
+    std::vector<bool> m_seen; ///< the pairs that stand in the file's sound stretches; filled when first needed
+};
+
+/// What a text says once it says again: that tells apart readings that lose equally much.
+void Mender::see_pairs()
+{
+    m_seen.assign(std::tuple_size_v<DoubleBytes>, false);
+    std::vector<std::size_t> places;
+    for (qsizetype at = 0; at < m_bytes.size();) {
+        places.clear();
+        bool sound = true;
+        while (at < m_bytes.size() && byte_at(m_bytes, at) >= 0x80) {
+            const uchar lead = byte_at(m_bytes, at);
+            const uchar trail = byte_at(m_bytes, at + 1);
+            const bool is_pair = double_byte(lead, trail) != 0;
+            if (is_pair)
+                places.push_back(*place_of(lead, trail));
+            sound = sound && is_pair;
+            at += is_pair ? 2 : 1;
+        }
+        if (sound) {
+            for (const std::size_t place : places)
+                m_seen[place] = true;
+        }
+        ++at;
+    }
+}
+
+int Mender::pair_cost(uchar lead, uchar trail) const
+{
+    if (m_seen[*place_of(lead, trail)])
+        return 0;
+    return is_common_hangul(lead, trail) ? 1 : 3;
+}
+
+/// What was damaged into a letter or a blank leaves its other half next to that.
+int Mender::lost_byte_cost(qsizetype at, qsizetype from, qsizetype to) const
+{
+    const bool beside_plain =
+        at == from || at + 1 == to || byte_at(m_bytes, at - 1) < 0x80 || byte_at(m_bytes, at + 1) < 0x80;
+    return beside_plain ? 56 : 64;
+}
+
+void Mender::mend(qsizetype from, qsizetype to, std::vector<char16_t>& units)
+{
+    constexpr int lost_pair_cost = 60;
+    if (m_seen.empty())
+        see_pairs();
     const auto size = static_cast<std::size_t>(to - from);
     std::vector<int> cost(size + 2, 0);
-    std::vector<bool> pairs(size, false);
+    std::vector<Step> steps(size, Step::Plain);
     for (std::size_t left = size; left-- > 0;) {
         const qsizetype at = from + static_cast<qsizetype>(left);
-        const uchar lead = byte_at(bytes, at);
-        cost[left] = cost[left + 1] + (lead < 0x80 ? 0 : fault_cost);
-        if (left + 1 < size && double_byte(lead, byte_at(bytes, at + 1)) != 0) {
-            const int paired = cost[left + 2] + (is_common_hangul(lead, byte_at(bytes, at + 1)) ? 0 : seldom_cost);
-            if (paired <= cost[left]) {
-                cost[left] = paired;
-                pairs[left] = true;
-            }
+        const uchar lead = byte_at(m_bytes, at);
+        if (lead < 0x80) {
+            cost[left] = cost[left + 1];
+            continue;
         }
+        const auto choose = [&cost, &steps, left](Step step, int price) {
+            cost[left] = price;
+            steps[left] = step;
+        };
+        choose(Step::LostByte, cost[left + 1] + lost_byte_cost(at, from, to));
+        if (left + 1 == size)
+            continue;
+        const uchar trail = byte_at(m_bytes, at + 1);
+        if (trail >= 0x80 && cost[left + 2] + lost_pair_cost < cost[left])
+            choose(Step::LostPair, cost[left + 2] + lost_pair_cost);
+        if (double_byte(lead, trail) != 0 && cost[left + 2] + pair_cost(lead, trail) <= cost[left])
+            choose(Step::Pair, cost[left + 2] + pair_cost(lead, trail));
     }
-    bool lost_before = false;
     for (std::size_t left = 0; left < size;) {
         const qsizetype at = from + static_cast<qsizetype>(left);
-        const uchar lead = byte_at(bytes, at);
-        const bool lost = !pairs[left] && lead >= 0x80;
-        // Both halves of a damaged pair are one lost character.
-        if (!lost || !lost_before)
-            units.push_back(pairs[left] ? double_byte(lead, byte_at(bytes, at + 1))
-                            : lost      ? replacement
-                                        : static_cast<char16_t>(lead));
-        lost_before = lost && !lost_before;
-        left += pairs[left] ? 2 : 1;
+        const uchar lead = byte_at(m_bytes, at);
+        const Step step = steps[left];
+        units.push_back(step == Step::Plain  ? static_cast<char16_t>(lead)
+                        : step == Step::Pair ? double_byte(lead, byte_at(m_bytes, at + 1))
+                                             : replacement);
+        left += step == Step::Pair || step == Step::LostPair ? 2 : 1;
     }
 }
 
 Reading read_cp949(QByteArrayView bytes, QString* text)
 {
     Reading reading;
+    Mender mender(bytes);
     std::vector<char16_t> units;
     for (qsizetype at = 0; at < bytes.size();) {
         const uchar first = byte_at(bytes, at);
@@ -244,7 +310,7 @@ Reading read_cp949(QByteArrayView bytes, QString* text)
         }
         if (!faultless) {
             units.clear();
-            mend(bytes, at, end, units);
+            mender.mend(at, end, units);
             reading.faults += static_cast<int>(std::count(units.begin(), units.end(), replacement));
         }
         reading.odd += odd;

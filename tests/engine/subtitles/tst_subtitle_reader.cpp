@@ -1,0 +1,264 @@
+#include "films.h"
+#include "subtitles/subtitle_encoding.h"
+#include "subtitles/subtitle_files.h"
+#include "test_main.h"
+#include "track_text.h"
+
+namespace
+{
+
+const std::atomic<bool> never = false;
+
+/// Frame counting fixtures without a rate of their own are ten frames a second.
+constexpr double frame_rate = 10;
+
+QByteArray cue(const QByteArray& text)
+{
+    return "1\n00:00:01,000 --> 00:00:02,000\n" + text + "\n";
+}
+
+/// A directory with files of one cue each, its text the file's name.
+class Shelf
+{
+public:
+    explicit Shelf(const QStringList& names)
+    {
+        for (const QString& name : names) {
+            if (!write_content(m_directory.filePath(name), cue(name.toUtf8())))
+                qFatal("cannot write %s", qPrintable(name));
+        }
+    }
+
+    QString path(const QString& name) const { return m_directory.filePath(name); }
+
+    QStringList files_of(const QString& film) const
+    {
+        QStringList names;
+        for (const QString& file : subtitle_files_of(path(film)))
+            names += QFileInfo(file).fileName();
+        return names;
+    }
+
+private:
+    QTemporaryDir m_directory;
+};
+
+/// The Korean bytes of a file of CP949 at which a byte may be damaged.
+std::vector<qsizetype> high_bytes(const QByteArray& bytes)
+{
+    std::vector<qsizetype> places;
+    for (qsizetype at = 0; at < bytes.size(); ++at) {
+        if (static_cast<uchar>(bytes[at]) >= 0x80)
+            places.push_back(at);
+    }
+    return places;
+}
+
+/// How many characters at one place differ.
+qsizetype differing(const QString& one, const QString& other)
+{
+    qsizetype front = 0;
+    while (front < std::min(one.size(), other.size()) && one[front] == other[front])
+        ++front;
+    qsizetype back = 0;
+    while (back < std::min(one.size(), other.size()) - front &&
+           one[one.size() - 1 - back] == other[other.size() - 1 - back])
+        ++back;
+    return std::max(one.size(), other.size()) - front - back;
+}
+
+} // namespace
+
+class TstSubtitleReader : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void each_fixture_reads_as_expected_data()
+    {
+        QTest::addColumn<QString>("file");
+        const QDir fixtures(QStringLiteral(TAVEL_SUBTITLE_FIXTURES));
+        const QStringList names = fixtures.entryList({QStringLiteral("*.expected")}, QDir::Files, QDir::Name);
+        QVERIFY(names.size() >= 40);
+        for (const QString& name : names)
+            QTest::newRow(qPrintable(name)) << fixtures.filePath(name.chopped(9));
+    }
+
+    void each_fixture_reads_as_expected()
+    {
+        QFETCH(const QString, file);
+        const QByteArray read = track_text(read_subtitle_file(file, frame_rate, never));
+        const QByteArray expected = content_of(file + QStringLiteral(".expected"));
+        QCOMPARE(read, expected);
+    }
+
+    void any_damaged_byte_of_cp949_costs_at_most_two_neighbours_and_never_the_guess_data()
+    {
+        QTest::addColumn<int>("damage");
+        for (const int damage : {0x00, 0x20, 0x30, 0x41, 0x7A, 0x80, 0xA0, 0xB0, 0xC9, 0xFE, 0xFF})
+            QTest::newRow(qPrintable(QString::number(damage, 16))) << damage;
+    }
+
+    void any_damaged_byte_of_cp949_costs_at_most_two_neighbours_and_never_the_guess()
+    {
+        QFETCH(const int, damage);
+        const QString text = QStringLiteral("우리는 오늘 밤 영화를 보러 갑니다. 정말?\n고맙습니다, 여러분!\n");
+        const QByteArray bytes = QTextCodec::codecForName("CP949")->fromUnicode(text);
+        for (const qsizetype at : high_bytes(bytes)) {
+            QByteArray damaged = bytes;
+            damaged[at] = static_cast<char>(damage);
+            QCOMPARE(guess_encoding(damaged), SubtitleEncoding::Cp949);
+            // A blank at the edge of a word could have been either of its ends: what the file says elsewhere tells.
+            damaged += bytes;
+            QCOMPARE(guess_encoding(damaged), SubtitleEncoding::Cp949);
+            // The lost character, and its other byte where the damage stands for a character itself.
+            QVERIFY2(differing(text + text, decode_guessed(damaged)) <= 2, qPrintable(decode_guessed(damaged)));
+        }
+    }
+
+    void any_damaged_byte_of_utf8_costs_at_most_its_character_and_never_the_guess()
+    {
+        const QString text = QStringLiteral("우리는 오늘 밤 영화를 보러 갑니다. 정말?\n고맙습니다, 여러분!\n");
+        const QByteArray bytes = text.toUtf8();
+        for (const qsizetype at : high_bytes(bytes)) {
+            for (const int damage : {0x20, 0x41, 0x80, 0xB0, 0xC3, 0xFF}) {
+                QByteArray damaged = bytes;
+                damaged[at] = static_cast<char>(damage);
+                QCOMPARE(guess_encoding(damaged), SubtitleEncoding::Utf8);
+                QVERIFY2(differing(text, decode_guessed(damaged)) <= 3, qPrintable(decode_guessed(damaged)));
+            }
+        }
+    }
+
+    void every_hangul_syllable_is_read_from_cp949()
+    {
+        QString text;
+        for (char16_t syllable = 0xAC00; syllable <= 0xD7A3; ++syllable) {
+            text += QChar(syllable);
+            if (syllable % 16 == 0)
+                text += u'\n';
+        }
+        const QByteArray bytes = QTextCodec::codecForName("CP949")->fromUnicode(text);
+        QCOMPARE(guess_encoding(bytes), SubtitleEncoding::Cp949);
+        QCOMPARE(decode_guessed(bytes), text);
+    }
+
+    void files_of_a_film_have_its_name_and_any_suffix_in_any_case()
+    {
+        const Shelf shelf({QStringLiteral("film.mkv"), QStringLiteral("film.SMI"), QStringLiteral("film.Srt"),
+                           QStringLiteral("film.ass"), QStringLiteral("film.ssa"), QStringLiteral("film.vtt"),
+                           QStringLiteral("film.sub"), QStringLiteral("film.txt"), QStringLiteral("film.srt.bak")});
+        QCOMPARE(shelf.files_of(QStringLiteral("film.mkv")),
+                 QStringList({QStringLiteral("film.SMI"), QStringLiteral("film.Srt"), QStringLiteral("film.ass"),
+                              QStringLiteral("film.ssa"), QStringLiteral("film.vtt"), QStringLiteral("film.sub")}));
+    }
+
+    void files_with_a_language_between_come_after_the_very_name()
+    {
+        const Shelf shelf({QStringLiteral("film.mkv"), QStringLiteral("film.ko.srt"), QStringLiteral("film.srt"),
+                           QStringLiteral("film.pt-BR.smi"), QStringLiteral("film.eng.forced.srt")});
+        QCOMPARE(shelf.files_of(QStringLiteral("film.mkv")),
+                 QStringList({QStringLiteral("film.srt"), QStringLiteral("film.pt-BR.smi"),
+                              QStringLiteral("film.eng.forced.srt"), QStringLiteral("film.ko.srt")}));
+    }
+
+    void another_films_files_are_left_alone()
+    {
+        const Shelf shelf({QStringLiteral("film.mkv"), QStringLiteral("film 2.srt"), QStringLiteral("film.2.srt"),
+                           QStringLiteral("film2.srt"), QStringLiteral("film.part2.srt"), QStringLiteral("Film.srt"),
+                           QStringLiteral("film.ko.mkv"), QStringLiteral("film.ko.srt"), QStringLiteral("other.srt"),
+                           QStringLiteral(".srt"), QStringLiteral("fil.srt")});
+        QCOMPARE(shelf.files_of(QStringLiteral("film.mkv")), QStringList());
+        QCOMPARE(shelf.files_of(QStringLiteral("film.ko.mkv")), QStringList({QStringLiteral("film.ko.srt")}));
+    }
+
+    void names_with_dots_brackets_and_hangul_find_their_files()
+    {
+        const QString name = QStringLiteral("[그룹] 영화.2023.1080p (1)*");
+        const Shelf shelf({name + QStringLiteral(".mp4"), name + QStringLiteral(".smi"),
+                           name.normalized(QString::NormalizationForm_D) + QStringLiteral(".ko.srt")});
+        QCOMPARE(shelf.files_of(name + QStringLiteral(".mp4")).size(), 2);
+    }
+
+    void a_film_gets_eight_tracks_at_most()
+    {
+        QStringList names{QStringLiteral("film.mkv")};
+        for (const char* const language : {"ko", "en", "ja", "de", "fr", "es", "it", "nl", "pl", "sv"})
+            names += QStringLiteral("film.%1.srt").arg(QLatin1String(language));
+        const Shelf shelf(names);
+        const std::vector<SubtitleTrack> tracks = read_subtitle_files(shelf.path(QStringLiteral("film.mkv")), 0, never);
+        QCOMPARE(tracks.size(), most_subtitle_tracks);
+        QCOMPARE(tracks.front().name, QStringLiteral("film.de.srt"));
+    }
+
+    void a_directory_or_a_link_to_nowhere_under_a_films_name_is_no_track()
+    {
+        const Shelf shelf({QStringLiteral("film.mkv")});
+        QVERIFY(QDir().mkpath(shelf.path(QStringLiteral("film.srt"))));
+        QVERIFY(QFile::link(shelf.path(QStringLiteral("nowhere")), shelf.path(QStringLiteral("film.smi"))));
+        QVERIFY(read_subtitle_files(shelf.path(QStringLiteral("film.mkv")), 0, never).empty());
+    }
+
+    void the_films_frame_rate_times_lines_that_count_frames()
+    {
+        const Shelf shelf({QStringLiteral("film.mkv")});
+        QVERIFY(write_content(shelf.path(QStringLiteral("film.sub")), "{25}{50}One\n"));
+        const auto lines = read_subtitle_files(shelf.path(QStringLiteral("film.mkv")), 25, never).at(0).lines;
+        QCOMPARE(lines.at(0).start, 1000);
+        QCOMPARE(lines.at(0).end, 2000);
+        const auto unknown = read_subtitle_files(shelf.path(QStringLiteral("film.mkv")), 0, never).at(0).lines;
+        QCOMPARE(unknown.at(0).start, 1043);
+    }
+
+    void texts_travel_in_cp949_and_what_it_lacks_as_marked_utf8()
+    {
+        const Shelf shelf({});
+        QVERIFY(write_content(shelf.path(QStringLiteral("a.srt")), cue("가 \xc3\xa9")));
+        const auto lines = read_subtitle_file(shelf.path(QStringLiteral("a.srt")), 0, never).at(0).lines;
+        QCOMPARE(QByteArray::fromStdString(lines.at(0).text), QByteArray("\xb0\xa1 \xff\xc3\xa9"));
+    }
+
+    void streams_of_matroska_and_mp4_read_alike_data()
+    {
+        QTest::addColumn<QString>("container");
+        QTest::addColumn<QStringList>("codec");
+        QTest::newRow("matroska, subrip") << "mkv" << QStringList{"-c:s", "srt"};
+        QTest::newRow("matroska, ass") << "mkv" << QStringList{"-c:s", "ass"};
+        QTest::newRow("matroska, webvtt") << "mkv" << QStringList{"-c:s", "webvtt"};
+        QTest::newRow("mp4") << "mp4" << QStringList{"-c:s", "mov_text"};
+    }
+
+    void streams_of_matroska_and_mp4_read_alike()
+    {
+        QFETCH(const QString, container);
+        QFETCH(const QStringList, codec);
+        const Shelf shelf({});
+        QVERIFY(write_content(shelf.path(QStringLiteral("in.srt")),
+                              "1\n00:00:01,000 --> 00:00:02,000\n<i>한글</i>, one\ntwo\n\n"
+                              "2\n00:00:03,000 --> 00:00:03,500\ncafé مرحبا\n"));
+        const QString film = shelf.path(QStringLiteral("film.") + container);
+        QProcess ffmpeg;
+        ffmpeg.start(QStringLiteral("ffmpeg"),
+                     QStringList{"-v", "error", "-y", "-i", shelf.path(QStringLiteral("in.srt")), "-map", "0:s", "-map",
+                                 "0:s", "-metadata:s:s:0", "language=kor", "-metadata:s:s:1", "language=eng"} +
+                         codec + QStringList{film});
+        QVERIFY(ffmpeg.waitForFinished(30000));
+        QVERIFY2(ffmpeg.exitCode() == 0, ffmpeg.readAllStandardError().constData());
+        const QByteArray lines = "1000\t2000\t한글, one\\ntwo\n3000\t3500\tcafé مرحبا\n";
+        QByteArray read = track_text(read_embedded_subtitles(film, never));
+        QCOMPARE(read, "track\tkor\n" + lines + "track\teng\n" + lines);
+    }
+
+    void a_cancelled_reading_ends_at_once()
+    {
+        const Shelf shelf({QStringLiteral("film.srt")});
+        const std::atomic<bool> cancelled = true;
+        QVERIFY(read_subtitle_files(shelf.path(QStringLiteral("film.mkv")), 0, cancelled).empty());
+        QVERIFY(read_subtitle_file(shelf.path(QStringLiteral("film.srt")), 0, cancelled).empty());
+        const std::vector<SubtitleTrack> inside = read_embedded_subtitles(test_films::path("subtitles.mkv"), cancelled);
+        QVERIFY(std::all_of(inside.begin(), inside.end(), [](const auto& track) { return track.lines.empty(); }));
+    }
+};
+
+TAVEL_TEST_MAIN(TstSubtitleReader)
+#include "tst_subtitle_reader.moc"
