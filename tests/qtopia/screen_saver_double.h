@@ -30,7 +30,7 @@ public:
     ~ScreenSaverDouble() override
     {
         stop();
-        QDBusConnection::disconnectFromBus(QStringLiteral("screen saver"));
+        connection_.unregisterObject(QStringLiteral("/org/freedesktop/ScreenSaver"));
     }
 
     void start()

@@ -225,7 +225,7 @@ void QCopBus::deliver(const QCString& channel, const QCString& message, const QB
     for (const QPointer<QCopChannel>& receiver : receivers) {
         if (!receiver)
             continue;
-        if (!from_here || receiver->delivery_ == QCopChannel::Delivery::Direct)
+        if (from_here && receiver->delivery_ == QCopChannel::Delivery::Direct)
             emit receiver->received(message, data);
         else
             QMetaObject::invokeMethod(

@@ -2,6 +2,7 @@
 
 #include "qcop_bus.h"
 
+#include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -35,6 +36,18 @@ ScreenSaverHold::ScreenSaverHold(QObject* parent) : QObject(parent), connection_
 ScreenSaverHold::~ScreenSaverHold()
 {
     release();
+    if (grant_ != Grant::Asked)
+        return;
+    // The answer is still to come; what it grants has to be given back by somebody.
+    pending_->disconnect(this);
+    pending_->setParent(QCoreApplication::instance());
+    connect(pending_, &QDBusPendingCallWatcher::finished, pending_,
+            [connection = connection_](QDBusPendingCallWatcher* late) {
+                const QDBusPendingReply<uint> reply = *late;
+                if (!reply.isError())
+                    give_back(connection, reply.value());
+                late->deleteLater();
+            });
 }
 
 void ScreenSaverHold::hold()
@@ -47,8 +60,10 @@ void ScreenSaverHold::hold()
 void ScreenSaverHold::release()
 {
     wanted_ = false;
-    if (grant_ == Grant::Given)
-        give_back();
+    if (grant_ == Grant::Given) {
+        grant_ = Grant::None;
+        give_back(connection_, cookie_);
+    }
 }
 
 void ScreenSaverHold::owner_changed(const QString& new_owner)
@@ -73,8 +88,8 @@ void ScreenSaverHold::ask()
     refused_ = false;
     QDBusMessage call = call_of("Inhibit");
     call << QStringLiteral("tavel_video") << tr("Playing a video");
-    auto* const watcher = new QDBusPendingCallWatcher(connection_.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, &ScreenSaverHold::answered);
+    pending_ = new QDBusPendingCallWatcher(connection_.asyncCall(call), this);
+    connect(pending_, &QDBusPendingCallWatcher::finished, this, &ScreenSaverHold::answered);
 }
 
 void ScreenSaverHold::answered(QDBusPendingCallWatcher* watcher)
@@ -93,16 +108,15 @@ void ScreenSaverHold::answered(QDBusPendingCallWatcher* watcher)
         cookie_ = reply.value();
         giver_ = reply.reply().service();
         if (!wanted_)
-            give_back();
+            release();
     }
     if (!new_owner.isEmpty())
         owner_changed(new_owner);
 }
 
-void ScreenSaverHold::give_back()
+void ScreenSaverHold::give_back(QDBusConnection connection, uint cookie)
 {
-    grant_ = Grant::None;
     QDBusMessage call = call_of("UnInhibit");
-    call << cookie_;
-    connection_.send(call);
+    call << cookie;
+    connection.send(call);
 }

@@ -34,12 +34,13 @@ private:
     void owner_changed(const QString& new_owner);
     void ask();
     void answered(QDBusPendingCallWatcher* watcher);
-    void give_back();
+    static void give_back(QDBusConnection connection, uint cookie);
 
     QDBusConnection connection_;
     QDBusServiceWatcher watcher_;
     bool wanted_ = false;
     Grant grant_ = Grant::None;
+    QDBusPendingCallWatcher* pending_ = nullptr; // while asked; ours
     uint cookie_ = 0;
     QString giver_;     // the program on the bus that gave the cookie
     QString new_owner_; // the screen saver that came while the old one was being asked

@@ -19,7 +19,7 @@ constexpr CodecName names[] = {
     {"CP949", 0}, {"UHC", 0}, {"windows-949", 0}, {"eucKR", 1}, {"EUC-KR", 1},
 };
 
-// A conversion of the C library; not shared between threads, so each call opens its own.
+// A conversion of the C library; not shared between threads, so each thread opens its own, once.
 class Conversion
 {
 public:
@@ -112,7 +112,7 @@ QTextCodec* QTextCodec::codecForName(const char* name)
 
 QString QTextCodec::toUnicode(const QByteArray& bytes) const
 {
-    const Conversion conversion("UTF-16LE", code_page);
+    thread_local const Conversion conversion("UTF-16LE", code_page);
     const char replacement[] = "\xFD\xFF";
     QByteArray utf16;
     utf16.reserve(bytes.size() * 2);
@@ -145,16 +145,17 @@ QString QTextCodec::toUnicode(const QByteArray& bytes) const
 
 QByteArray QTextCodec::fromUnicode(const QString& text) const
 {
-    const Conversion conversion(code_page, "UTF-8");
+    thread_local const Conversion conversion(code_page, "UTF-8");
     const QByteArray utf8 = (text.isValidUtf16() ? text : without_halves(text)).toUtf8();
     QByteArray bytes;
     bytes.reserve(utf8.size());
     const char* position = utf8.constData();
     const char* const end = position + utf8.size();
+    const char* plain_end = position;
     while (position < end) {
         // Beyond the basic plane the code page has nothing, and the C library would silently leave out some of it.
-        const char* const plain_end =
-            std::find_if(position, end, [](char byte) { return static_cast<uchar>(byte) >= 0xF0; });
+        if (position >= plain_end)
+            plain_end = std::find_if(position, end, [](char byte) { return static_cast<uchar>(byte) >= 0xF0; });
         if (conversion.is_open())
             position += conversion.run(position, plain_end - position, bytes);
         if (position == end)
