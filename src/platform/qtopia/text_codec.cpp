@@ -118,9 +118,13 @@ QString QTextCodec::toUnicode(const QByteArray& bytes) const
     utf16.reserve(bytes.size() * 2);
     const char* position = bytes.constData();
     const char* const end = position + bytes.size();
+    const char* plain_end = position;
     while (position < end) {
+        // No character goes across the mark.
+        if (position >= plain_end)
+            plain_end = std::find(position, end, widening_mark);
         if (conversion.is_open())
-            position += conversion.run(position, end - position, utf16);
+            position += conversion.run(position, plain_end - position, utf16);
         if (position == end)
             break;
         const qsizetype widened =
