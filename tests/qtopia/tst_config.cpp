@@ -57,6 +57,7 @@ private slots:
     void any_list_comes_back();
     void the_file_can_be_read_and_written_by_hand();
     void comments_and_other_groups_and_their_order_stay();
+    void new_keys_stand_in_the_order_of_their_writing();
     void two_objects_one_after_the_other_both_survive();
     void an_object_that_was_open_all_the_time_keeps_what_another_wrote();
     void nothing_is_written_when_nothing_changed();
@@ -265,6 +266,23 @@ void TestConfig::comments_and_other_groups_and_their_order_stay()
         config.writeEntry(QStringLiteral("x"), 9);
     }
     QCOMPARE(content(path), QByteArray("# mine\nlevel = 3\n\n[b]\nx = 9\n; why\ny = a b\n\n[a]\nz = 2\n"));
+}
+
+void TestConfig::new_keys_stand_in_the_order_of_their_writing()
+{
+    const QString path = fresh_path();
+    {
+        Config config(path, Config::File);
+        config.setGroup(QStringLiteral("video"));
+        config.writeEntry(QStringLiteral("red"), 1);
+        config.writeEntry(QStringLiteral("blue"), 2);
+        config.setGroup(QStringLiteral("audio"));
+        config.writeEntry(QStringLiteral("track"), 3);
+        config.writeEntry(QStringLiteral("spdif"), 4);
+        config.setGroup(QStringLiteral("video"));
+        config.writeEntry(QStringLiteral("red"), 5);
+    }
+    QCOMPARE(content(path), QByteArray("[video]\nred = 5\nblue = 2\n\n[audio]\ntrack = 3\nspdif = 4\n"));
 }
 
 void TestConfig::two_objects_one_after_the_other_both_survive()

@@ -153,7 +153,7 @@ void Config::writeEntry(const QString& key, const QStringList& values)
 void Config::removeEntry(const QString& key)
 {
     document_->remove(group_, key);
-    changes_[{group_, key}] = QString();
+    note_change(key, QString());
 }
 
 bool Config::write()
@@ -163,8 +163,7 @@ bool Config::write()
     // Applies our changes to what is in the file now, which another object may have written meanwhile.
     const auto apply = [this](ConfigDocument& document) {
         bool changed = false;
-        for (const auto& [place, encoded] : changes_) {
-            const auto& [group, key] = place;
+        for (const auto& [group, key, encoded] : changes_) {
             changed |= encoded.isNull() ? document.remove(group, key) : document.set_value(group, key, encoded);
         }
         return changed;
@@ -188,6 +187,7 @@ bool Config::write()
     }
     FaultLog::instance().forget(Fault::Unwritable, path_);
     changes_.clear();
+    change_index_.clear();
     failed_ = false;
     return true;
 }
@@ -196,5 +196,14 @@ void Config::set_raw(const QString& key, const QString& raw)
 {
     const QString encoded = raw.isNull() ? QStringLiteral("") : raw;
     document_->set_value(group_, key, encoded);
-    changes_[{group_, key}] = encoded;
+    note_change(key, encoded);
+}
+
+void Config::note_change(const QString& key, const QString& encoded)
+{
+    const auto [place, is_new] = change_index_.try_emplace({group_, key}, changes_.size());
+    if (is_new)
+        changes_.push_back({group_, key, encoded});
+    else
+        changes_[place->second].encoded = encoded;
 }

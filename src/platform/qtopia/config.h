@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <utility>
+#include <vector>
 
 class ConfigDocument;
 
@@ -66,10 +67,20 @@ public:
 private:
     void set_raw(const QString& key, const QString& raw);
 
+    // A new encoded value; a null string removes the key.
+    struct Change {
+        QString group;
+        QString key;
+        QString encoded;
+    };
+    void note_change(const QString& key, const QString& encoded);
+
     QString path_;
     QString group_;
     std::unique_ptr<ConfigDocument> document_;
-    // (group, key) to the new encoded value; a null string removes the key.
-    std::map<std::pair<QString, QString>, QString> changes_;
+    // Each place once, in the order of the first write, in which new keys come into the file.
+    std::vector<Change> changes_;
+    // (group, key) to the index of its change.
+    std::map<std::pair<QString, QString>, size_t> change_index_;
     bool failed_ = false;
 };
