@@ -8,7 +8,10 @@
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 
+#include <cstdio>
 #include <memory>
+
+#include <unistd.h>
 
 /// What the tests of the settings dialog share.
 namespace setting_fixture
@@ -70,6 +73,45 @@ public:
     ShellRecorder& operator=(const ShellRecorder&) = delete;
 
     QList<QByteArray> commands;
+};
+
+/// Takes what is printed on standard output for as long as it lives.
+class PrintedLines
+{
+public:
+    PrintedLines()
+    {
+        if (!file_.open())
+            qFatal("There is no room for the printed lines.");
+        std::fflush(stdout);
+        terminal_ = ::dup(STDOUT_FILENO);
+        ::dup2(file_.handle(), STDOUT_FILENO);
+    }
+    ~PrintedLines()
+    {
+        // A test that fails meanwhile says so here, too.
+        const QByteArray taken = lines().join('\n');
+        ::dup2(terminal_, STDOUT_FILENO);
+        ::close(terminal_);
+        std::fwrite(taken.constData(), 1, static_cast<std::size_t>(taken.size()), stdout);
+        std::fflush(stdout);
+    }
+    PrintedLines(const PrintedLines&) = delete;
+    PrintedLines& operator=(const PrintedLines&) = delete;
+
+    /// The lines so far. A test's own results are printed on standard output too: ask for the line that matters.
+    QList<QByteArray> lines()
+    {
+        std::fflush(stdout);
+        QFile reader(file_.fileName());
+        if (!reader.open(QIODevice::ReadOnly))
+            qFatal("The printed lines cannot be read.");
+        return reader.readAll().split('\n');
+    }
+
+private:
+    QTemporaryFile file_;
+    int terminal_ = -1;
 };
 
 } // namespace setting_fixture

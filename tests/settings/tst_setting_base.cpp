@@ -466,6 +466,28 @@ private slots:
         QCOMPARE(shown(), QColor(Qt::green));
     }
 
+    void header_and_about_page_show_their_pictures()
+    {
+        const QString pictures = QString::fromLocal8Bit(qgetenv("QPEDIR")) + QStringLiteral("pics/");
+        QImage title(480, 32, QImage::Format_ARGB32);
+        title.fill(Qt::red);
+        QVERIFY(QDir().mkpath(pictures + QStringLiteral("tavel_video")));
+        QVERIFY(title.save(pictures + QStringLiteral("tavel_video/setting_title.png")));
+        QImage version(120, 40, QImage::Format_ARGB32);
+        version.fill(Qt::green);
+        QVERIFY(QDir().mkpath(pictures + QStringLiteral("SETTINGS")));
+        QVERIFY(version.save(pictures + QStringLiteral("SETTINGS/ver_video.png")));
+        const auto settings = make_settings();
+        settings->show();
+        tabs_of(*settings)->setCurrentIndex(6);
+        const QImage form = settings->grab().toImage();
+        QCOMPARE(form.pixelColor(2, 2), QColor(Qt::red));
+        const auto* picture = control<QLabel>(*settings, "about_label_picture");
+        const QPoint middle = picture->mapTo(settings.get(), picture->rect().center());
+        QCOMPARE(form.pixelColor(middle), QColor(Qt::green));
+        QVERIFY(picture->height() >= 40);
+    }
+
     void without_the_skins_pictures_the_dialog_still_works()
     {
         const auto settings = make_settings();

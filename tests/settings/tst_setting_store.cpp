@@ -491,8 +491,33 @@ private slots:
         const auto settings = make_settings();
         QVERIFY(QDir().mkpath(Config::user_path(file_name) + QStringLiteral("/in the way")));
         const ShellRecorder shell;
-        QVERIFY(!settings->save_settings());
+        PrintedLines printed;
+        const bool saved = settings->save_settings();
+        const QList<QByteArray> lines = printed.lines();
+        QVERIFY(!saved);
+        QCOMPARE(lines.count("Tavel Video: save file create failed!!"), 1);
         QVERIFY(shell.commands.isEmpty());
+    }
+
+    void the_file_keeps_groups_and_keys_in_their_order()
+    {
+        QVERIFY(make_settings()->save_settings());
+        QFile file(Config::user_path(file_name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QStringList written;
+        QString group;
+        const QList<QByteArray> lines = file.readAll().split('\n');
+        for (const QByteArray& line : lines) {
+            const QString text = QString::fromLatin1(line).trimmed();
+            if (text.startsWith(QLatin1Char('[')))
+                group = text.mid(1, text.size() - 2);
+            else if (text.contains(QLatin1Char('=')))
+                written.append(group + QLatin1Char('/') + text.section(QLatin1Char('='), 0, 0).trimmed());
+        }
+        QStringList expected;
+        for (const ExpectedRow& row : file_rows)
+            expected.append(QLatin1String(row.group) + QLatin1Char('/') + QLatin1String(row.key));
+        QCOMPARE(written, expected);
     }
 
     void an_index_out_of_range_leaves_the_choice_as_it_is_data() { add_file_rows(); }

@@ -186,6 +186,72 @@ private slots:
         QCOMPARE(listener.news, news);
     }
 
+    void a_key_that_the_file_lacks_counts_as_a_change_data()
+    {
+        QTest::addColumn<QByteArray>("key");
+        QTest::addColumn<QStringList>("news");
+        const QStringList plain{"2006", "2204"};
+        const QStringList subtitles{"2006", "2203", "2204"};
+        const QStringList controls{"2006", "2204", "2200"};
+        QTest::newRow("red") << QByteArray("red") << plain;
+        QTest::newRow("spdif") << QByteArray("spdif") << QStringList{"2006", "2202", "2204"};
+        QTest::newRow("volume") << QByteArray("volume") << plain;
+        for (const char* key : {"color", "size", "pos", "adjust"})
+            QTest::newRow(key) << QByteArray(key) << subtitles;
+        QTest::newRow("menutime") << QByteArray("menutime") << plain;
+        QTest::newRow("transparency") << QByteArray("transparency") << QStringList{"2006", "alpha 255", "2204"};
+        for (const char* key : {"speed_show", "repeatab_show", "bookmark_show"})
+            QTest::newRow(key) << QByteArray(key) << controls;
+        QTest::newRow("next_action") << QByteArray("next_action") << plain;
+    }
+
+    void a_key_that_the_file_lacks_counts_as_a_change()
+    {
+        QFETCH(QByteArray, key);
+        QFETCH(QStringList, news);
+        const auto settings = make_settings();
+        settings->save_settings();
+        QFile file(Config::user_path(file_name));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QList<QByteArray> lines = file.readAll().split('\n');
+        file.close();
+        const auto removed =
+            lines.removeIf([&key](const QByteArray& line) { return line.split('=').first().trimmed() == key; });
+        QCOMPARE(removed, 1);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(file.write(lines.join('\n')) > 0);
+        file.close();
+        const Listener listener(*settings);
+        settings->close();
+        QCOMPARE(listener.news, news);
+    }
+
+    void another_subtitle_track_is_a_subtitle_change()
+    {
+        OpenFilm film(QStringLiteral("1"), QStringLiteral("2"));
+        const auto settings = make_settings();
+        settings->set_player(film.player());
+        settings->save_settings();
+        choose(*settings, "subtitle_combo_track", QStringLiteral("2"));
+        const Listener listener(*settings);
+        settings->close();
+        QCOMPARE(listener.news, QStringList({"2006", "2203", "2204"}));
+        QCOMPARE(stored("subtitle", "track"), 1);
+    }
+
+    void another_audio_track_is_no_change_of_the_close()
+    {
+        OpenFilm film(QStringLiteral("2"), QStringLiteral("0"));
+        const auto settings = make_settings();
+        settings->set_player(film.player());
+        settings->save_settings();
+        choose(*settings, "sound_combo_audiotrack", QStringLiteral("2"));
+        const Listener listener(*settings);
+        settings->close();
+        QCOMPARE(listener.news, QStringList({"2006", "2204"}));
+        QCOMPARE(stored("audio", "track"), 1);
+    }
+
     void a_shift_is_a_subtitle_change()
     {
         const auto settings = make_settings();
@@ -338,6 +404,36 @@ private slots:
         QCOMPARE(stored("subtitle", "track"), 1);
         QCOMPARE(listener.news, QStringList("2203"));
         QCOMPARE(settings->get_subtitle_track(), 2U);
+    }
+
+    void choosing_a_track_says_which()
+    {
+        OpenFilm film(QStringLiteral("3"), QStringLiteral("2"));
+        const auto settings = make_settings();
+        settings->set_player(film.player());
+        settings->show();
+        PrintedLines printed;
+        control<QTabWidget>(*settings, "setting_tab")->setCurrentIndex(1);
+        choose_by_keys(control<QComboBox>(*settings, "sound_combo_audiotrack"), Qt::Key_Down, 2);
+        control<QTabWidget>(*settings, "setting_tab")->setCurrentIndex(2);
+        choose_by_keys(control<QComboBox>(*settings, "subtitle_combo_track"), Qt::Key_Down, 1);
+        const QList<QByteArray> lines = printed.lines();
+        QCOMPARE(lines.count("Audio Track activated: 2"), 1);
+        QCOMPARE(lines.count("Subtitle Track activated: 1"), 1);
+    }
+
+    void the_resets_go_back_to_the_first_tracks()
+    {
+        OpenFilm film(QStringLiteral("3"), QStringLiteral("2"));
+        const auto settings = make_settings();
+        settings->set_player(film.player());
+        choose(*settings, "sound_combo_audiotrack", QStringLiteral("3"));
+        choose(*settings, "subtitle_combo_track", QStringLiteral("2"));
+        QTest::mouseClick(control<QPushButton>(*settings, "sound_button_alldefault"), Qt::LeftButton);
+        QCOMPARE(settings->get_audio_track(), 1U);
+        QCOMPARE(settings->get_subtitle_track(), 2U);
+        QTest::mouseClick(control<QPushButton>(*settings, "subtitle_button_alldefault"), Qt::LeftButton);
+        QCOMPARE(settings->get_subtitle_track(), 1U);
     }
 
     void the_track_lists_count_the_streams_data()
@@ -574,6 +670,62 @@ private slots:
         QVERIFY(inked_pixels(*settings) > 0);
     }
 
+    void a_choice_of_the_user_reaches_the_preview_at_once_data()
+    {
+        QTest::addColumn<QByteArray>("combo");
+        QTest::newRow("size") << QByteArray("subtitle_combo_size");
+        QTest::newRow("colour") << QByteArray("subtitle_combo_color");
+        QTest::newRow("position") << QByteArray("subtitle_combo_pos");
+    }
+
+    void a_choice_of_the_user_reaches_the_preview_at_once()
+    {
+        QFETCH(QByteArray, combo);
+        OpenFilm film(QStringLiteral("1"), QStringLiteral("1"));
+        const auto settings = make_settings();
+        settings->set_player(film.player());
+        settings->set_playing(true);
+        settings->show();
+        QTRY_VERIFY(DeviceScreen::instance()->is_active(settings.get()));
+        control<QTabWidget>(*settings, "setting_tab")->setCurrentIndex(2);
+        settings->draw_subtitles(1500);
+        const QImage before = preview_of(*settings)->background_pixmap().toImage();
+        auto* box = control<QComboBox>(*settings, combo.constData());
+        const bool last = box->currentIndex() + 1 == box->count();
+        choose_by_keys(box, last ? Qt::Key_Up : Qt::Key_Down, 1);
+        QVERIFY(inked_pixels(*settings) > 0);
+        const QImage chosen = preview_of(*settings)->background_pixmap().toImage();
+        QVERIFY(chosen != before);
+        QTest::mouseClick(control<QPushButton>(*settings, "subtitle_button_alldefault"), Qt::LeftButton);
+        QCOMPARE(preview_of(*settings)->background_pixmap().toImage(), before);
+    }
+
+    void the_preview_lies_on_the_films_place()
+    {
+        const auto settings = make_settings();
+        settings->show();
+        auto* tabs = control<QTabWidget>(*settings, "setting_tab");
+        for (int page = 0; page < tabs->count(); ++page) {
+            tabs->setCurrentIndex(page);
+            QCOMPARE(preview_of(*settings)->geometry(), QRect(12, 64, 221, 126));
+            QCOMPARE(preview_of(*settings)->isVisible(), page < 4);
+        }
+    }
+
+    void hiding_the_subtitles_says_so()
+    {
+        const auto settings = make_settings();
+        settings->show();
+        control<QTabWidget>(*settings, "setting_tab")->setCurrentIndex(2);
+        PrintedLines printed;
+        choose_by_keys(control<QComboBox>(*settings, "subtitle_combo_display"), Qt::Key_Down, 1);
+        QList<QByteArray> lines = printed.lines();
+        QCOMPARE(lines.count("CLEARING SUBTITLES!!"), 1);
+        choose_by_keys(control<QComboBox>(*settings, "subtitle_combo_display"), Qt::Key_Up, 1);
+        lines = printed.lines();
+        QCOMPARE(lines.count("CLEARING SUBTITLES!!"), 1);
+    }
+
     void hiding_the_subtitles_clears_the_preview()
     {
         OpenFilm film(QStringLiteral("1"), QStringLiteral("1"));
@@ -634,6 +786,21 @@ private slots:
         QCOMPARE(
             information(*settings),
             QStringList({"Codec : ", "Channels : ", "Sampling Rate : ", "Codec : ", "Resolution : ", "Frame Rate : "}));
+    }
+
+    void the_info_page_has_sound_above_picture()
+    {
+        const auto settings = make_settings();
+        settings->show();
+        control<QTabWidget>(*settings, "setting_tab")->setCurrentIndex(5);
+        int above = -1;
+        for (const char* name : {"info_label_audio", "info_label_audio_codec", "info_label_audio_channels",
+                                 "info_label_audio_sampling_rate", "info_label_video", "info_label_video_codec",
+                                 "info_label_video_resolution", "info_label_video_frame_rate"}) {
+            const int top = control<QLabel>(*settings, name)->mapTo(settings.get(), QPoint(0, 0)).y();
+            QVERIFY2(top > above, name);
+            above = top;
+        }
     }
 
     void without_a_film_the_info_page_stays_bare()
