@@ -240,7 +240,7 @@ bool TavelVideo::press_dic()
 void TavelVideo::show_dicdialog()
 {
     post(player_event::pause);
-    DicDialog dialog(this, "dic_dialog");
+    DicDialog dialog(this);
     dialog.m_SubtitleEdit->setText(subtitle_->get_last_subtitle());
     dialog.exec();
 }
