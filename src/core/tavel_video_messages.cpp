@@ -195,6 +195,7 @@ void TavelVideo::pause_for_navigation()
 {
     take_notice_down();
     if (!isIn(&TavelVideo::stop_state) && !isIn(&TavelVideo::no_file_state) && !isIn(&TavelVideo::pause_state)) {
+        already_paused_ = false;
         post(player_event::pause);
         reply_owed_ = true;
         qApp->processEvents();
@@ -209,12 +210,14 @@ void TavelVideo::pause_for_navigation()
 
 void TavelVideo::resume_for_navigation()
 {
+    // It counts for one resume, wherever that finds the film: the viewer may have played on or stopped meanwhile.
+    const bool viewer_had_paused = std::exchange(already_paused_, false);
     if (isIn(&TavelVideo::stop_state)) {
         send_ok();
         return;
     }
     if (isIn(&TavelVideo::pause_state)) {
-        if (!std::exchange(already_paused_, false)) {
+        if (!viewer_had_paused) {
             post(player_event::play);
             reset_menu_timer();
         }

@@ -302,6 +302,33 @@ private slots:
         QTRY_VERIFY(player->in(&TavelVideo::play_state));
     }
 
+    void a_pause_that_the_viewer_ended_is_forgotten_by_the_next_one()
+    {
+        connect_navigation();
+        play_with_navigation();
+        pause_as_viewer_and_navigation_and_play_on();
+        say("PAUSE");
+        QTRY_COMPARE(heard.count("OK\n"), 2);
+        QVERIFY(player->in(&TavelVideo::pause_state));
+        say("RESUME");
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+    }
+
+    void the_viewers_own_pause_counts_for_one_resume_wherever_that_comes()
+    {
+        connect_navigation();
+        play_with_navigation();
+        pause_as_viewer_and_navigation_and_play_on();
+        scripted_engine::set_busy(false);
+        say("RESUME");
+        QTRY_COMPARE(heard.count("OK\n"), 2);
+        player->post(player_event::pause);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::pause_state));
+        say("RESUME");
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+    }
+
     void pause_while_stopped_is_answered_at_once()
     {
         connect_navigation();
@@ -517,6 +544,17 @@ private:
         player->settle();
         heard.clear();
         player->clear_log();
+    }
+
+    /// The viewer pauses, then the navigation program does, then the viewer plays on.
+    void pause_as_viewer_and_navigation_and_play_on()
+    {
+        player->post(player_event::pause);
+        player->settle();
+        say("PAUSE");
+        QTRY_COMPARE(heard.count("OK\n"), 1);
+        player->post(player_event::play);
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
     }
 
     std::unique_ptr<Player> player;
