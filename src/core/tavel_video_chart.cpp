@@ -961,6 +961,8 @@ void TavelVideo::exit_speed_playing()
 {
     scan_watch_ = 0;
     seeking_ = false;
+    // The seek that a crossing of B asked for during the scan was ignored: ask again.
+    past_b_ = false;
     post_held_back(gate_.open());
     if (scan_mode_ != SettingWidget::TrickMode::SeekBarOnly)
         return;

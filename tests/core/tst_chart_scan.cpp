@@ -308,6 +308,29 @@ private slots:
         QCOMPARE(player->log_of({"seek"}), QStringList({"seek 4 2000", "seek 4 2000"}));
     }
 
+    void b_passed_during_a_scan_is_returned_from_after_it()
+    {
+        play_at(2000);
+        allow_repeat();
+        player->post(player_event::repeat_ab);
+        player->settle();
+        scripted_engine::run_to(5000);
+        player->post(player_event::repeat_ab);
+        player->settle();
+        use_key_frames();
+        player->post(player_event::scan_forward);
+        player->settle();
+        scripted_engine::report_time(6000);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::speed_playing_state));
+        player->post(player_event::play);
+        player->settle();
+        player->clear_log();
+        scripted_engine::report_time(6100);
+        player->settle();
+        QCOMPARE(player->log_of({"seek"}), QStringList(QStringLiteral("seek 4 2000")));
+    }
+
     void b_before_a_is_exchanged_with_it()
     {
         play_at(5000);
