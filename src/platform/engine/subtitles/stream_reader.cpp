@@ -230,12 +230,33 @@ std::int64_t seek_memory(void* opaque, std::int64_t offset, int whence)
     return memory.at;
 }
 
+/// Which of the rarer formats a text is in, by its beginning; null for none of them.
+const AVInputFormat* rare_format(const QByteArray& text)
+{
+    static constexpr std::array names = {"subviewer", "subviewer1", "mpl2", "vplayer", "mpsub", "jacosub", "pjs"};
+    constexpr qsizetype looked_at = 4096;
+    QByteArray beginning = text.left(looked_at);
+    const auto size = static_cast<int>(beginning.size());
+    beginning.append(AVPROBE_PADDING_SIZE, '\0');
+    AVProbeData probed = {};
+    probed.filename = "";
+    probed.buf = reinterpret_cast<unsigned char*>(beginning.data());
+    probed.buf_size = size;
+    const AVInputFormat* const format = av_probe_input_format(&probed, 1);
+    const bool is_rare = format && std::any_of(names.begin(), names.end(), [format](const char* name) {
+                             return std::strcmp(format->name, name) == 0;
+                         });
+    return is_rare ? format : nullptr;
+}
+
 } // namespace
 
 std::vector<TimedText> read_rare_text(const QString& source, const std::atomic<bool>& cancelled)
 {
     constexpr int buffer_size = 4096;
     Memory memory{source.toUtf8(), 0};
+    if (!rare_format(memory.bytes))
+        return {};
     auto* const buffer = static_cast<unsigned char*>(av_malloc(buffer_size));
     AVIOContext* const opening_bytes =
         buffer ? avio_alloc_context(buffer, buffer_size, 0, &memory, read_memory, nullptr, seek_memory) : nullptr;
@@ -248,11 +269,7 @@ std::vector<TimedText> read_rare_text(const QString& source, const std::atomic<b
     if (!opening)
         return {};
     opening->pb = bytes.get();
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "format_whitelist", "subviewer,subviewer1,mpl2,vplayer,mpsub,jacosub,pjs", 0);
-    const int opened = avformat_open_input(&opening, nullptr, nullptr, &options);
-    av_dict_free(&options);
-    if (opened < 0)
+    if (avformat_open_input(&opening, nullptr, rare_format(memory.bytes), nullptr) < 0)
         return {};
     const Format format(opening);
     std::map<int, Stream> streams = text_streams(*format);

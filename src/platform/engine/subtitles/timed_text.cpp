@@ -2,6 +2,8 @@
 
 #include "text_codec.h"
 
+#include <QStringList>
+
 #include <algorithm>
 
 namespace
@@ -9,6 +11,9 @@ namespace
 
 /// How long the last line stays when nothing says where it ends.
 constexpr long long last_line_ms = 5000;
+
+/// More lines than this at one time are a damaged file's; no screen has room for them.
+constexpr qsizetype most_joined_lines = 16;
 
 void join(TimedText& line, const TimedText& other)
 {
@@ -22,7 +27,8 @@ void join(TimedText& line, const TimedText& other)
         line.end = std::max(*line.end, *other.end);
     else
         line.end.reset();
-    if (!line.text.split(u'\n').contains(other.text) && line.text != other.text)
+    const QStringList told = line.text.split(u'\n');
+    if (told.size() < most_joined_lines && !told.contains(other.text) && line.text != other.text)
         line.text += u'\n' + other.text;
 }
 
