@@ -21,6 +21,11 @@ elseif(TAVEL_SANITIZER STREQUAL "thread")
   add_link_options(-fsanitize=thread)
 endif()
 
+# An emulated processor takes about this many times as long: tests wait and may last that much longer.
+if(CMAKE_CROSSCOMPILING)
+  set(TAVEL_WAIT_FACTOR 10)
+endif()
+
 # One precompiled header for all targets: Qt's and the standard library's, never ours.
 file(WRITE "${CMAKE_BINARY_DIR}/pch/pch.cpp.in" "// Carries the precompiled header.\n")
 configure_file("${CMAKE_BINARY_DIR}/pch/pch.cpp.in" "${CMAKE_BINARY_DIR}/pch/pch.cpp" COPYONLY)
@@ -85,7 +90,10 @@ function(tavel_test)
     set(ARG_TIMEOUT 60)
   endif()
   if(CMAKE_CROSSCOMPILING)
-    math(EXPR ARG_TIMEOUT "${ARG_TIMEOUT} * 10")
+    math(EXPR ARG_TIMEOUT "${ARG_TIMEOUT} * ${TAVEL_WAIT_FACTOR}")
+    # A test that starts itself once more does so in the emulator too.
+    list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
+    list(APPEND environment "TAVEL_EMULATOR=${emulator}")
   elseif(TAVEL_SANITIZER)
     math(EXPR ARG_TIMEOUT "${ARG_TIMEOUT} * 4")
   endif()

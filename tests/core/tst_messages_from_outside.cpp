@@ -1,3 +1,4 @@
+#include "child_program.h"
 #include "player.h"
 #include "qcop_envelope.h"
 #include "qpe_application.h"
@@ -23,7 +24,7 @@ private slots:
         const QStringList files = player->make_files(2);
         QProcess other;
         other.setProcessEnvironment(sender_environment());
-        other.start(QCoreApplication::applicationFilePath(), files);
+        ChildProgram::start_built(other, QCoreApplication::applicationFilePath(), files);
         QVERIFY(other.waitForStarted());
         QTRY_VERIFY_WITH_TIMEOUT(player->in(&TavelVideo::play_state), 20000);
         QCOMPARE(player->playlist()->get_count(), 2);

@@ -2,6 +2,7 @@
 
 #include <QtCore/QtCore>
 #include <QtWidgets/QtWidgets>
+#include <sys/resource.h>
 
 class ListBoxSkin;
 
@@ -87,7 +88,7 @@ public:
     ~FullDisk();
 
 private:
-    unsigned long saved_;
+    rlim_t saved_;
 };
 
 /// Lets every allocation that may fail (new with std::nothrow) fail as long as it lives.

@@ -1,4 +1,5 @@
 #include "bookmark_widget.h"
+#include "child_program.h"
 #include "config.h"
 #include "lists_fixture.h"
 #include "play_list_widget.h"
@@ -145,7 +146,8 @@ void TestKilledWriter::kill_writer(const char* work, int after_lines, int then_w
     writer.setProcessChannelMode(QProcess::SeparateChannels);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     writer.setProcessEnvironment(environment);
-    writer.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--writer"), QString::fromLatin1(work)});
+    ChildProgram::start_built(writer, QCoreApplication::applicationFilePath(),
+                              {QStringLiteral("--writer"), QString::fromLatin1(work)});
     int lines = 0;
     while (lines < after_lines) {
         QVERIFY(writer.waitForReadyRead(30000));

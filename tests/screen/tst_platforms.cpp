@@ -1,3 +1,4 @@
+#include "child_program.h"
 #include "device_screen.h"
 #include "test_main.h"
 #include "video_plane.h"
@@ -72,7 +73,8 @@ Report report_of(const QString& platform, const QStringList& arguments = {})
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
     process.setProcessEnvironment(environment);
-    process.start(QCoreApplication::applicationFilePath(), QStringList{QStringLiteral("--display")} + arguments);
+    ChildProgram::start_built(process, QCoreApplication::applicationFilePath(),
+                              QStringList{QStringLiteral("--display")} + arguments);
     if (!process.waitForFinished(30'000) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
         process.kill();
         process.waitForFinished();

@@ -18,6 +18,15 @@ public:
         waitForFinished();
     }
 
+    /// Starts a program of this build in @p process; through the emulator when the test itself runs in one, because the
+    /// machine would not know what to do with the file.
+    static void start_built(QProcess& process, const QString& program, const QStringList& arguments)
+    {
+        const QStringList command =
+            qEnvironmentVariable("TAVEL_EMULATOR").split(u' ', Qt::SkipEmptyParts) + QStringList{program} + arguments;
+        process.start(command.first(), command.mid(1));
+    }
+
     /// Starts this program in @p role with @p arguments. What it says on standard error comes out with the test's.
     void start_role(const char* role, const QStringList& arguments = {})
     {
@@ -25,7 +34,7 @@ public:
         environment.insert(QLatin1String(role_variable), QLatin1String(role));
         setProcessEnvironment(environment);
         setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        start(QCoreApplication::applicationFilePath(), arguments);
+        start_built(*this, QCoreApplication::applicationFilePath(), arguments);
     }
 
     /// The lines it has written so far.

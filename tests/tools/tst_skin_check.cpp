@@ -1,3 +1,4 @@
+#include "child_program.h"
 #include "test_main.h"
 
 #include "main_skin.h"
@@ -19,7 +20,7 @@ struct Answer {
 Answer run_checker(const QStringList& arguments)
 {
     QProcess checker;
-    checker.start(QStringLiteral(SKIN_CHECK_PROGRAM), arguments);
+    ChildProgram::start_built(checker, QStringLiteral(SKIN_CHECK_PROGRAM), arguments);
     Answer answer;
     if (!checker.waitForFinished())
         return answer;
