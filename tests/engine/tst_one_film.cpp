@@ -1,6 +1,8 @@
 #include "bench.h"
 #include "test_main.h"
 
+#include <QApplication>
+
 #include <set>
 
 using namespace std::chrono_literals;
