@@ -67,6 +67,21 @@ struct Bench {
             .size();
     }
 
+    /// The same once it has stood still for half a second: what a closed film leaves ends on its own.
+    static qsizetype settled_count(const char* folder)
+    {
+        qsizetype entries = count(folder);
+        QDeadlineTimer still(500);
+        for (const QDeadlineTimer limit(10000); !still.hasExpired() && !limit.hasExpired();) {
+            QTest::qWait(20); // between two looks
+            if (const qsizetype now = count(folder); now != entries) {
+                entries = now;
+                still = QDeadlineTimer(500);
+            }
+        }
+        return entries;
+    }
+
     ReportRecorder recorder;
     MediaPlayer player{&recorder};
 };
