@@ -33,7 +33,7 @@ private slots:
     {
         Bench bench;
         QSemaphore ready;
-        std::thread::id thread;
+        std::atomic<std::thread::id> thread{};
         bench.player.set_subtitles_ready_hook([&] {
             thread = std::this_thread::get_id();
             ready.release();
@@ -43,7 +43,7 @@ private slots:
         QVERIFY(!bench.player.get_subtitles(0));
         QVERIFY(bench.load(test_films::path("subtitles.mkv")));
         QVERIFY(ready.tryAcquire(1, 10000));
-        QVERIFY(thread != std::this_thread::get_id());
+        QVERIFY(thread.load() != std::this_thread::get_id());
 
         const std::vector<Subtitle>* const korean = bench.player.get_subtitles(0);
         QVERIFY(korean);
