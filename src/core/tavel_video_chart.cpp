@@ -969,7 +969,8 @@ void TavelVideo::exit_speed_playing()
     if (time_bar_->scan_direction() != TimeWidget::ScanDirection::None)
         time_bar_->cancel_scan();
     time_bar_->set_enable();
-    time_bar_->setVisible(!full_screen_);
+    if (full_screen_)
+        time_bar_->hide();
     time_bar_->move(TIME_BAR_PLACE);
     display_information(text(TavelVideoString::Play));
 }

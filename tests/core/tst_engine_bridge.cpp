@@ -1,46 +1,10 @@
 #include "player.h"
+#include "printed_text.h"
 #include "qpe_application.h"
 #include "tavel_callbacks.h"
 #include "test_main.h"
 
 #include <QtTest/QtTest>
-
-#include <cstdio>
-#include <unistd.h>
-
-namespace
-{
-
-/// Keeps what the process prints while it lives.
-class PrintedText
-{
-public:
-    PrintedText()
-    {
-        std::fflush(stdout);
-        if (file_.open())
-            dup2(file_.handle(), STDOUT_FILENO);
-    }
-    ~PrintedText() { take(); }
-
-    /// Ends the keeping. @return what was printed.
-    QByteArray take()
-    {
-        if (terminal_ < 0)
-            return {};
-        std::fflush(stdout);
-        dup2(terminal_, STDOUT_FILENO);
-        close(std::exchange(terminal_, -1));
-        file_.seek(0);
-        return file_.readAll();
-    }
-
-private:
-    int terminal_ = dup(STDOUT_FILENO);
-    QTemporaryFile file_;
-};
-
-} // namespace
 
 class EngineBridgeTest : public QObject
 {
