@@ -40,6 +40,7 @@ private slots:
     void a_window_shown_without_activating_never_becomes_active();
     void a_click_beside_all_windows_keeps_the_active_window();
     void stacking_orders_windows_without_activating_them();
+    void a_window_can_be_put_under_several_others();
     void a_window_wholly_under_another_lets_the_video_through_instead_of_showing();
     void a_window_of_fixed_size_can_be_fixed_to_a_larger_one();
     void a_modal_dialog_takes_keys_and_clicks_from_the_others();
@@ -265,6 +266,21 @@ void TstDeviceScreen::stacking_orders_windows_without_activating_them()
     screen->raise_window(&second);
     QCOMPARE(screen->grab_output().pixel(5, 5), QColor(Qt::blue).rgb());
     QVERIFY(third.isActiveWindow());
+}
+
+void TstDeviceScreen::a_window_can_be_put_under_several_others()
+{
+    DeviceScreen* const screen = DeviceScreen::instance();
+    ProbeWindow first(Qt::red, whole);
+    ProbeWindow second(Qt::blue, whole);
+    ProbeWindow third(Qt::green, whole);
+    first.show();
+    second.show();
+    third.show();
+    screen->stack_under(&third, &first);
+    screen->stack_under(&third, &second);
+    second.hide();
+    QCOMPARE(screen->grab_output().pixel(5, 5), QColor(Qt::red).rgb());
 }
 
 void TstDeviceScreen::a_window_wholly_under_another_lets_the_video_through_instead_of_showing()

@@ -300,6 +300,8 @@ void DeviceScreen::stack_under(QWidget* lower, QWidget* upper)
     if (!lower_item || !upper_item || lower_item == upper_item)
         return;
     QList<QGraphicsItem*> items = m_user->childItems();
+    if (items.indexOf(lower_item) < items.indexOf(upper_item))
+        return;
     items.removeOne(lower_item);
     items.insert(items.indexOf(upper_item), lower_item);
     for (qsizetype at = 0; at < items.size(); ++at)

@@ -62,7 +62,8 @@ public:
     /// Whether @p widget lies in the active window.
     bool is_active(const QWidget* widget) const;
 
-    /// Places the window of @p lower directly under the window of @p upper. Does nothing when both are the same window.
+    /// Places the window of @p lower directly under the window of @p upper, unless it lies under it already. Does
+    /// nothing when both are the same window.
     void stack_under(QWidget* lower, QWidget* upper);
 
     /// Places the window of @p widget above all others. Showing a window does this, activating does not.
