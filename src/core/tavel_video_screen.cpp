@@ -180,8 +180,8 @@ void TavelVideo::to_lcd()
     const QPoint place = subtitle_->pos();
     subtitle_->setParent(this);
     subtitle_->move(place);
-    // The subtitle lies behind the panels, as it was made.
-    subtitle_->lower();
+    // Between the information text and the panels, as it was made.
+    subtitle_->stackUnder(control_bar_);
     subtitle_->setFocusPolicy(Qt::NoFocus);
     subtitle_->setEnabled(true);
     controls_offset_ = 0;
