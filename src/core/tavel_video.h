@@ -345,6 +345,7 @@ private:
     void display_information(const QString& information);
     void draw_speed_info();
     void draw_media_info(const QString& information);
+    void show_file_name(const QString& name);
     void post_seek(SeekMode mode, Time target_ms);
     void set_subtitle_widget(SUBTITLE_STATE state);
     SUBTITLE_STATE subtitle_state() const;

@@ -86,6 +86,7 @@ void TavelVideo::init_widgets()
     control_bar_->set_longbutton(QStringLiteral("pagedown"));
     update_buttons();
 
+    show_file_name(QString());
     file_manager_->setCaption(tr("Video File Manager"));
     DeviceScreen* const screen = DeviceScreen::instance();
     const QPoint desktop = screen->desktop_geometry().topLeft();

@@ -618,7 +618,7 @@ void TavelVideo::enter_no_file()
 {
     control_bar_->showFocus(QStringLiteral("open"));
     disable_playback_buttons();
-    title_bar_->set_filename(QString());
+    show_file_name(QString());
     close_subtitles();
     time_bar_->set_slidervalue(0);
     settings_->clear_information();
@@ -656,7 +656,7 @@ void TavelVideo::enter_file_parsed()
 
 void TavelVideo::describe_parsed_file(const QString& file)
 {
-    title_bar_->set_filename(file.section(u'/', -1));
+    show_file_name(file.section(u'/', -1));
     seek_allowed_ = media_player_->get_info("container", "name") != QLatin1String("MPEG");
     if (seek_allowed_) {
         time_bar_->set_enable();

@@ -19,6 +19,9 @@
 namespace
 {
 
+/// What the host's window is called.
+constexpr const char* PROGRAM_NAME = "Tavel";
+
 constexpr int INFORMATION_POINTS = 14;
 constexpr int INFORMATION_TIME_MS = 5000;
 constexpr int DEFAULT_MASTER_VOLUME = 30;
@@ -90,6 +93,17 @@ void TavelVideo::display_volume(bool muted)
     sound.setGroup(QStringLiteral("System"));
     display_information(text(TavelVideoString::MasterVolume) + QStringLiteral("\n ") +
                         QString::number(sound.readNumEntry(QStringLiteral("Volume"), DEFAULT_MASTER_VOLUME)));
+}
+
+/// Puts the chosen film's name into the title bar and the host's window; an empty one for no film.
+void TavelVideo::show_file_name(const QString& name)
+{
+    title_bar_->set_filename(name);
+    const QString program = QString::fromLatin1(PROGRAM_NAME);
+    // The toolkit would take a "[*]" for its own mark of unsaved changes.
+    setWindowTitle(name.isEmpty() ? program
+                                  : QString(name).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")) +
+                                        QStringLiteral(" - ") + program);
 }
 
 // ---------------------------------------------------------------- seeking

@@ -156,6 +156,9 @@ void QPEApplication::showMainWidget(QWidget* widget)
     main_widget_ = widget;
     DeviceScreen* const screen = DeviceScreen::instance();
     connect(screen, &DeviceScreen::close_requested, this, &QPEApplication::request_close, Qt::UniqueConnection);
+    // To the host the display is the program: it carries the main widget's title.
+    screen->setWindowTitle(widget->windowTitle());
+    connect(widget, &QWidget::windowTitleChanged, screen, &QWidget::setWindowTitle, Qt::UniqueConnection);
     // The main widget covers the desktop, which does not begin at the origin of the plane.
     widget->move(screen->desktop_geometry().topLeft());
     screen->embed(widget);

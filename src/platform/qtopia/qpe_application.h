@@ -31,7 +31,8 @@ public:
     /// Makes the GUI thread look at its posted events. May be called on any thread, also without an application object.
     static void wakeUpGuiThread();
 
-    /// Shows @p widget as the player's window on the device screen. It stays the caller's.
+    /// Shows @p widget as the player's window on the device screen, whose host window takes over its title. It stays the
+    /// caller's.
     void showMainWidget(QWidget* widget);
     QWidget* mainWidget() const { return main_widget_; }
 
