@@ -30,12 +30,23 @@ template<typename Widget> Widget* top_level(const char* name)
     return nullptr;
 }
 
+void write_layout(const QString& pictures, const QByteArray& layout)
+{
+    const QString skin = pictures + QStringLiteral("/tavel_video");
+    QDir().mkpath(skin);
+    QFile file(skin + QStringLiteral("/config"));
+    if (!file.open(QIODevice::WriteOnly) || file.write(layout) != layout.size())
+        qFatal("no layout file %s", qPrintable(file.fileName()));
+}
+
 QString list_file()
 {
     return QPEApplication::qpeDir() + QStringLiteral("etc/tavel_video/playlist.dat");
 }
 
-void lay_out_device(const Player::Device& device)
+} // namespace
+
+void Player::lay_out(const Device& device)
 {
     if (!device.keep_files)
         test_support::reset_directories();
@@ -46,7 +57,9 @@ void lay_out_device(const Player::Device& device)
     screen->set_output(DeviceScreen::Output::Lcd);
     screen->control(QStringLiteral("/dev/fb2 enable 0 size 640 480 origin 80 104 position 0 0 enable 1"));
     screen->control(QStringLiteral("/dev/fb1 size 480 272"));
-    if (device.with_skin)
+    if (!device.layout.isEmpty())
+        write_layout(pictures, device.layout);
+    else if (device.with_skin)
         QFile::link(QStringLiteral(TAVEL_SKIN_DIR), pictures);
     if (!device.playlist.isEmpty()) {
         QDir().mkpath(QFileInfo(list_file()).path());
@@ -63,13 +76,11 @@ void lay_out_device(const Player::Device& device)
     }
 }
 
-} // namespace
-
 Player::Player() : Player(Device()) {}
 
 Player::Player(const Device& device)
 {
-    lay_out_device(device);
+    lay_out(device);
     TavelVideo::forget_seek_return();
     TavelVideo::set_socket_port(0);
     CFbio::set_recorder([](const QByteArray& text) { write(QStringLiteral("fb ") + QString::fromLatin1(text)); });
@@ -100,6 +111,8 @@ Player::Player(const Device& device)
 Player::~Player()
 {
     notice_timer_.stop();
+    for (const int key : QSet<int>(held_keys_))
+        release(key);
     const QPointer<SubtitleControl> subtitle(subtitle_);
     window_.reset();
     delete subtitle.data();
@@ -201,6 +214,7 @@ bool Player::informs(const QString& text)
 
 void Player::press(int key, bool auto_repeat)
 {
+    held_keys_.insert(key);
     QWindow* const host = DeviceScreen::instance()->window()->windowHandle();
     QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, QString(), auto_repeat);
     QCoreApplication::sendEvent(host, &event);
@@ -208,6 +222,8 @@ void Player::press(int key, bool auto_repeat)
 
 void Player::release(int key, bool auto_repeat)
 {
+    if (!auto_repeat)
+        held_keys_.remove(key);
     QWindow* const host = DeviceScreen::instance()->window()->windowHandle();
     QKeyEvent event(QEvent::KeyRelease, key, Qt::NoModifier, QString(), auto_repeat);
     QCoreApplication::sendEvent(host, &event);
@@ -219,12 +235,28 @@ void Player::click(int key)
     release(key);
 }
 
-void Player::tap(const QPoint& place)
+QPoint Player::in_host(const QPoint& place)
 {
     DeviceScreen* const screen = DeviceScreen::instance();
-    const QPoint in_view = screen->mapFromScene(place);
-    QTest::mouseClick(screen->window()->windowHandle(), Qt::LeftButton, Qt::NoModifier,
-                      screen->viewport()->mapTo(screen->window(), in_view));
+    return screen->viewport()->mapTo(screen->window(), screen->mapFromScene(place));
+}
+
+void Player::tap(const QPoint& place)
+{
+    touch(place);
+    lift(place);
+}
+
+void Player::touch(const QPoint& place)
+{
+    QTest::mousePress(DeviceScreen::instance()->window()->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                      in_host(place));
+}
+
+void Player::lift(const QPoint& place)
+{
+    QTest::mouseRelease(DeviceScreen::instance()->window()->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                        in_host(place));
 }
 
 void Player::at_next_notice(std::function<void()> then)
@@ -282,6 +314,8 @@ bool EventCounter::eventFilter(QObject*, QEvent* event)
         numbers.append(custom->type());
         if (const auto* const request = custom->data<player_event::SeekRequest>())
             seeks.append(*request);
+        if (const auto* const request = custom->data<player_event::EntryRequest>())
+            entries.append(*request);
     }
     return false;
 }

@@ -36,12 +36,16 @@ public:
         int now_playing = 0;               ///< row of the stored playlist
         unsigned int now_playing_time = 0; ///< and its position
         bool with_skin = true;
+        QByteArray layout = {};  ///< a skin that consists of this layout file alone, unless empty
         bool keep_files = false; ///< start on the files that an earlier player has left
     };
 
     Player();
     explicit Player(const Device& device);
     ~Player();
+
+    /// Puts the files there that a player finds at its start.
+    static void lay_out(const Device& device);
 
     TavelVideo* operator->() { return window_.get(); }
     TavelVideo* window() { return window_.get(); }
@@ -89,11 +93,14 @@ public:
     /// Whether the information text on screen is @p text.
     bool informs(const QString& text);
 
-    /// Keys of the host's keyboard and taps on the host's window; a tap's place is in pixels of the output.
+    /// Keys of the host's keyboard and taps on the host's window; a tap's place is in pixels of the output. What is
+    /// still held at the end is released then.
     void press(int key, bool auto_repeat = false);
     void release(int key, bool auto_repeat = false);
     void click(int key);
     void tap(const QPoint& place);
+    void touch(const QPoint& place);
+    void lift(const QPoint& place);
     QTimer* timer(const char* name) { return child<QTimer>(name); }
 
     /// Waits until a notice is up, keeps its text in notices(), does @p then, and takes it down.
@@ -105,6 +112,7 @@ private:
     {
         return window_->findChild<Widget*>(QString::fromLatin1(name));
     }
+    static QPoint in_host(const QPoint& place);
     void listen(const char* channel);
     void look_for_notice();
 
@@ -114,6 +122,7 @@ private:
     SettingWidget* settings_ = nullptr;
     mainTitle* file_manager_ = nullptr;
     SubtitleControl* subtitle_ = nullptr;
+    QSet<int> held_keys_;
     QTimer notice_timer_;
     std::deque<std::function<void()>> at_notices_;
     QStringList notices_;
@@ -130,6 +139,7 @@ public:
 
     QList<int> numbers;
     QList<player_event::SeekRequest> seeks;
+    QList<player_event::EntryRequest> entries;
 };
 
 /// A log as a message, line by line.

@@ -141,6 +141,105 @@ private slots:
         QCOMPARE(counter->seeks.size(), 1);
     }
 
+    void a_second_key_starts_the_long_press_anew()
+    {
+        play_in_full_screen();
+        player->press(Qt::Key_Left);
+        player->timer("long_key_timer")->start(100000);
+        player->press(Qt::Key_Right);
+        QVERIFY(player->timer("long_key_timer")->isActive());
+        QVERIFY(player->timer("long_key_timer")->isSingleShot());
+        QCOMPARE(player->timer("long_key_timer")->interval(), 1000);
+    }
+
+    void the_release_of_another_key_ends_a_long_press_without_a_skip()
+    {
+        play_in_full_screen();
+        player->press(Qt::Key_Left);
+        player->click(Qt::Key_F12);
+        QVERIFY(!player->timer("long_key_timer")->isActive());
+        player->release(Qt::Key_Left);
+        player->settle();
+        QVERIFY(counter->numbers.isEmpty());
+    }
+
+    void a_release_after_the_long_press_leaves_the_next_press_alone()
+    {
+        play_in_full_screen();
+        scripted_engine::run_to(5000);
+        player->press(Qt::Key_Left);
+        player->timer("long_key_timer")->start(0);
+        QTRY_COMPARE(counter->count(player_event::scan_back), 1);
+        player->release(Qt::Key_Left);
+        player->post(player_event::play);
+        player->settle();
+        counter->seeks.clear();
+        player->click(Qt::Key_Right);
+        QCoreApplication::sendPostedEvents(player->window());
+        QCOMPARE(counter->seeks.size(), 1);
+        QCOMPARE(counter->seeks[0].mode, SeekMode::Forward);
+    }
+
+    void left_and_right_are_no_skips_while_the_controls_are_shown()
+    {
+        play_with_controls();
+        player->click(Qt::Key_Left);
+        player->click(Qt::Key_Right);
+        player->settle();
+        QVERIFY(!player->timer("long_key_timer")->isActive());
+        QVERIFY(counter->seeks.isEmpty());
+    }
+
+    void a_skip_is_not_made_when_the_controls_came_before_the_release()
+    {
+        play_in_full_screen();
+        player->press(Qt::Key_Left);
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        player->release(Qt::Key_Left);
+        player->settle();
+        QVERIFY(counter->seeks.isEmpty());
+    }
+
+    void return_plays_on_from_a_scan()
+    {
+        play_in_full_screen();
+        player->post(player_event::scan_forward);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::speed_playing_state));
+        counter->numbers.clear();
+        player->press(Qt::Key_Return);
+        QCoreApplication::sendPostedEvents(player->window());
+        QCOMPARE(counter->numbers.value(0), int(player_event::play));
+    }
+
+    void a_held_key_of_the_hidden_controls_acts_once_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::newRow("tab") << int(Qt::Key_Tab);
+        QTest::newRow("enter") << int(Qt::Key_Enter);
+    }
+    void a_held_key_of_the_hidden_controls_acts_once()
+    {
+        QFETCH(int, key);
+        play_in_full_screen();
+        for (int i = 0; i < 3; ++i) {
+            QKeyEvent repeated(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+            player->window()->keyPressEvent(&repeated);
+        }
+        player->settle();
+        QVERIFY(counter->numbers.isEmpty());
+    }
+
+    void a_held_key_of_the_table_goes_on_acting()
+    {
+        play_in_full_screen();
+        player->press(Qt::Key_F7);
+        player->press(Qt::Key_F7, true);
+        QCoreApplication::sendPostedEvents(player->window());
+        QCOMPARE(counter->numbers, QList<int>({2011, 2011}));
+    }
+
     void left_and_right_do_nothing_where_seeking_is_not_allowed()
     {
         play_in_full_screen(QStringLiteral("MPEG"));
@@ -194,7 +293,75 @@ private slots:
         QCOMPARE(player->window()->y(), 14);
     }
 
+    void a_held_up_goes_on_moving_the_controls_of_a_tv()
+    {
+        play_in_full_screen();
+        player->post(player_event::switch_screen);
+        player->settle();
+        player->press(Qt::Key_Up);
+        player->press(Qt::Key_Up, true);
+        player->press(Qt::Key_Up, true);
+        player->release(Qt::Key_Up);
+        QCOMPARE(player->window()->y(), 74);
+    }
+
+    void up_and_down_move_nothing_on_a_tv_without_a_loaded_film()
+    {
+        player->post(player_event::switch_screen);
+        player->settle();
+        QVERIFY(player->window()->is_tv_out());
+        player->clear_log();
+        player->click(Qt::Key_Up);
+        player->click(Qt::Key_Down);
+        QCOMPARE(player->window()->y(), 104);
+        QVERIFY(player->log_of({"qcop QPE/TaskBar"}).isEmpty());
+    }
+
+    void up_and_down_go_to_an_open_list_before_they_move_the_controls_of_a_tv()
+    {
+        play_with_controls();
+        player->post(player_event::switch_screen);
+        player->settle();
+        for (const char* panel : {"listopen", "bookmark_list"}) {
+            player->control_event(panel);
+            player->click(Qt::Key_Up);
+            QCOMPARE(player->window()->y(), 104);
+            QCOMPARE(player->window()->focusWidget()->objectName(), QStringLiteral("file_listbox"));
+        }
+        player->control_event("bookmark_list");
+        player->click(Qt::Key_Up);
+        QCOMPARE(player->window()->y(), 94);
+    }
+
     // ---- the key table
+
+    void a_key_with_an_event_is_taken_and_every_other_goes_the_toolkits_way_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<bool>("full_screen");
+        QTest::addColumn<bool>("taken");
+        const QList<int> taken{Qt::Key_Escape, Qt::Key_F2, Qt::Key_F4, Qt::Key_F5, Qt::Key_F7, Qt::Key_F9, Qt::Key_F10};
+        const QList<int> others{Qt::Key_Tab,   Qt::Key_Return, Qt::Key_Enter, Qt::Key_Left,
+                                Qt::Key_Right, Qt::Key_Up,     Qt::Key_Down,  TavelVideo::HIDE_CONTROLS_KEY,
+                                Qt::Key_F1,    Qt::Key_F3,     Qt::Key_F6,    Qt::Key_F8,
+                                Qt::Key_F11,   Qt::Key_A};
+        for (const bool full_screen : {true, false})
+            for (const int key : taken + others)
+                QTest::addRow("%x %s", static_cast<unsigned int>(key), full_screen ? "hidden" : "shown")
+                    << key << full_screen << taken.contains(key);
+    }
+    void a_key_with_an_event_is_taken_and_every_other_goes_the_toolkits_way()
+    {
+        QFETCH(int, key);
+        QFETCH(bool, full_screen);
+        QFETCH(bool, taken);
+        if (full_screen)
+            play_in_full_screen();
+        QCOMPARE(player->window()->is_full_screen(), full_screen);
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        player->window()->keyPressEvent(&event);
+        QCOMPARE(event.isAccepted(), taken);
+    }
 
     void each_key_of_the_table_posts_its_event_in_both_modes_data()
     {
@@ -255,6 +422,35 @@ private slots:
         player->click(Qt::Key_F7);
         player->settle();
         QCOMPARE(counter->count(player_event::repeat_ab), 1);
+    }
+
+    void each_panel_hands_its_keys_to_the_window_once_data()
+    {
+        QTest::addColumn<QString>("panel");
+        for (const char* panel : {"VIDEO_CONTROL", "VIDEO_TITLE", "PLAYLIST", "BOOKMARK"})
+            QTest::newRow(panel) << QString::fromLatin1(panel);
+    }
+    void each_panel_hands_its_keys_to_the_window_once()
+    {
+        QFETCH(QString, panel);
+        play_with_controls();
+        player->timer("menu_timer")->start(100000);
+        auto* const receiver = player->window()->findChild<QWidget*>(panel);
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_F7, Qt::NoModifier);
+        QCoreApplication::sendEvent(receiver, &key);
+        QCoreApplication::sendPostedEvents(player->window());
+        QCOMPARE(counter->numbers, QList<int>({2011}));
+        // What comes after the handing over is done, too.
+        QVERIFY(!player->timer("menu_timer")->isActive());
+    }
+
+    void escape_on_the_title_bar_closes_the_program()
+    {
+        play_with_controls();
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QCoreApplication::sendEvent(player->title_bar(), &key);
+        player->settle();
+        QCOMPARE(counter->count(player_event::close), 1);
     }
 
     // ---- list panels and keys
@@ -515,114 +711,6 @@ private slots:
         player->settle();
         QCOMPARE(counter->count(player_event::close), 0);
         QVERIFY(player->in(&TavelVideo::play_state));
-    }
-
-    // ---- the menu timer
-
-    void the_controls_hide_themselves_after_the_last_release()
-    {
-        play_with_controls();
-        QTimer* const menu = player->timer("menu_timer");
-        player->press(Qt::Key_F12);
-        QVERIFY(!menu->isActive());
-        player->release(Qt::Key_F12);
-        QVERIFY(menu->isActive());
-        QVERIFY(menu->isSingleShot());
-        QCOMPARE(menu->interval(), 5000);
-        menu->start(0);
-        QTRY_VERIFY(player->window()->is_full_screen());
-    }
-
-    void the_menu_timer_follows_the_setting_data()
-    {
-        QTest::addColumn<int>("choice");
-        QTest::addColumn<int>("interval");
-        QTest::newRow("always") << 0 << -1;
-        QTest::newRow("3 s") << 1 << 3000;
-        QTest::newRow("10 s") << 3 << 10000;
-    }
-    void the_menu_timer_follows_the_setting()
-    {
-        QFETCH(int, choice);
-        QFETCH(int, interval);
-        play_with_controls();
-        player->combo("display_combo_menutime")->setCurrentIndex(choice);
-        player->click(Qt::Key_F12);
-        QCOMPARE(player->timer("menu_timer")->isActive(), interval != -1);
-        if (interval != -1)
-            QCOMPARE(player->timer("menu_timer")->interval(), interval);
-    }
-
-    void the_menu_timer_is_for_a_loaded_film_with_controls()
-    {
-        player->click(Qt::Key_F12);
-        QVERIFY(!player->timer("menu_timer")->isActive());
-        play_in_full_screen();
-        player->click(Qt::Key_F12);
-        QVERIFY(!player->timer("menu_timer")->isActive());
-    }
-
-    // ---- the window's own events
-
-    void activation_of_a_window_that_does_not_play_sends_hide_and_shows_the_task_bar()
-    {
-        player->clear_log();
-        QEvent activate(QEvent::WindowActivate);
-        QCoreApplication::sendEvent(player->window(), &activate);
-        QCOMPARE(player->log(), QStringList(QStringLiteral("qcop QPE/System showTaskBar(QString) tavel_video")));
-        player->clear_log();
-        QEvent deactivate(QEvent::WindowDeactivate);
-        QCoreApplication::sendEvent(player->window(), &deactivate);
-        QCOMPARE(player->log(), QStringList(QStringLiteral("qcop QPE/System showTaskBar(QString) tavel_video")));
-        play_in_full_screen();
-        player->clear_log();
-        QCoreApplication::sendEvent(player->window(), &activate);
-        QCOMPARE(player->log(), QStringList(QStringLiteral("qcop QPE/System hideTaskBar(QString) tavel_video")));
-    }
-
-    void the_time_event_moves_the_slider_to_the_whole_second()
-    {
-        play_with_controls();
-        scripted_engine::run_to(3999);
-        player->settle();
-        QCOMPARE(player->time_bar()->get_slidervalue(), 3U);
-    }
-
-    void the_window_timer_brings_the_right_window_to_the_front()
-    {
-        play_with_controls();
-        DeviceScreen* const screen = DeviceScreen::instance();
-        player->settings()->show();
-        player->file_manager()->show();
-        screen->activate(player->window());
-        player->window()->window_timeout();
-        QVERIFY(screen->is_active(player->window()));
-        screen->activate(player->settings());
-        player->window()->window_timeout();
-        QVERIFY(screen->is_active(player->file_manager()));
-        player->file_manager()->close();
-        screen->activate(player->window());
-        player->window()->window_timeout();
-        QVERIFY(screen->is_active(player->settings()));
-    }
-
-    void the_window_timer_leaves_a_notice_alone()
-    {
-        play_in_full_screen();
-        for (unsigned int i = 0; i < 99; ++i)
-            player->bookmarks()->add_track(QStringLiteral("/a"), i);
-        bool in_front = false;
-        player->at_next_notice([&] {
-            player->window()->window_timeout();
-            in_front = DeviceScreen::instance()->is_active(player->notice());
-        });
-        player->post(player_event::add_bookmark);
-        QTRY_COMPARE(player->notices().size(), 1);
-        QVERIFY(in_front);
-        // Nor has it taken the notice for one of the player's windows.
-        DeviceScreen::instance()->activate(player->window());
-        player->window()->window_timeout();
-        QVERIFY(DeviceScreen::instance()->is_active(player->window()));
     }
 
     // ---- focus

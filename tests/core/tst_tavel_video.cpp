@@ -159,26 +159,6 @@ private slots:
         QVERIFY2(slots_of_the_window == expected, qPrintable(describe(slots_of_the_window)));
     }
 
-    void the_panels_are_made_in_their_order()
-    {
-        player = std::make_unique<Player>();
-        QStringList names;
-        for (const QObject* child : player->window()->children())
-            if (child->isWidgetType() && !child->objectName().isEmpty())
-                names.append(child->objectName());
-        // Stacking has moved some of them since; all of them are there.
-        names.sort();
-        QStringList expected{"BOOKMARK",    "NOW LOADING",  "PLAYLIST",      "TIME",
-                             "VIDEO_TITLE", "info_control", "VIDEO_CONTROL", "subtitle_control"};
-        expected.sort();
-        for (const QString& name : expected)
-            QVERIFY2(names.contains(name), qPrintable(name));
-        QVERIFY(player->settings()->isWindow());
-        QVERIFY(player->file_manager()->isWindow());
-        QCOMPARE(player->notice()->windowTitle(), QStringLiteral("VIDEO"));
-        QVERIFY(player->notice()->text().isEmpty());
-    }
-
     void the_panels_stand_where_the_skin_says()
     {
         player = std::make_unique<Player>();
@@ -232,14 +212,8 @@ private slots:
     {
         player = std::make_unique<Player>(Player::Device{
             .settings = {{QStringLiteral("display/transparency"), 0}, {QStringLiteral("audio/volume"), 31}}});
-        for (SkinBase* panel :
-             {static_cast<SkinBase*>(player->control_bar()), static_cast<SkinBase*>(player->title_bar()),
-              static_cast<SkinBase*>(player->time_bar())})
-            QCOMPARE(panel->alphaOverride(), static_cast<unsigned char>(76));
+        QCOMPARE(player->control_bar()->alphaOverride(), static_cast<unsigned char>(76));
         QCOMPARE(player->control_bar()->get_volume(), 31U);
-        emit player->settings()->update_transparency(200);
-        QCOMPARE(player->control_bar()->alphaOverride(), static_cast<unsigned char>(200));
-        QCOMPARE(player->title_bar()->alphaOverride(), static_cast<unsigned char>(200));
     }
 
     void page_buttons_are_long_press_buttons()

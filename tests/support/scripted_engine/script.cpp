@@ -68,6 +68,18 @@ RaskStatus Script::call(const QString& operation, const QString& arguments)
 {
     const std::lock_guard lock(m_mutex);
     m_log.push_back({arguments.isEmpty() ? operation : operation + u' ' + arguments, false});
+    return take_result(operation);
+}
+
+RaskStatus Script::ask(const QString& operation, const QString& arguments)
+{
+    const std::lock_guard lock(m_mutex);
+    m_log.push_back({operation + u' ' + arguments, true});
+    return take_result(operation);
+}
+
+RaskStatus Script::take_result(const QString& operation)
+{
     if (m_settings.next_results.contains(operation))
         return m_settings.next_results.take(operation);
     return m_settings.results.value(operation, rask::ok);

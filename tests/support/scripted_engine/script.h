@@ -31,6 +31,8 @@ public:
     void set_result(const QString& operation, RaskStatus status, bool once);
     /// Writes the call down and takes what it is to answer.
     RaskStatus call(const QString& operation, const QString& arguments = QString());
+    /// The same for a question that may fail.
+    RaskStatus ask(const QString& operation, const QString& arguments);
 
     void set_info(const QString& group, const QString& item, const QString& text);
     void remove_info(const QString& group);
@@ -64,6 +66,7 @@ private:
 
     Script();
     static Settings ten_second_film();
+    RaskStatus take_result(const QString& operation);
 
     mutable std::mutex m_mutex; ///< guards all below
     std::vector<LogLine> m_log;

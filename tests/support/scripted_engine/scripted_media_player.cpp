@@ -155,7 +155,9 @@ const std::vector<Subtitle>* MediaPlayer::get_subtitles(unsigned track)
 
 unsigned MediaPlayer::query(int number, bool* answer)
 {
-    Private::ask(QStringLiteral("query %1").arg(number));
+    const RaskStatus status = Script::instance().ask(QStringLiteral("query"), QString::number(number));
+    if (status != rask::ok)
+        return status;
     if (number != static_cast<int>(Query::Busy) || !answer)
         return rask::out_of_range;
     *answer = Script::instance().busy().value_or(d->film.is_busy());
