@@ -43,28 +43,9 @@ private:
     QTemporaryDir m_directory;
 };
 
-/// The Korean bytes of a file of CP949 at which a byte may be damaged.
-std::vector<qsizetype> high_bytes(const QByteArray& bytes)
+QByteArray encoded(const QString& text, SubtitleEncoding encoding)
 {
-    std::vector<qsizetype> places;
-    for (qsizetype at = 0; at < bytes.size(); ++at) {
-        if (static_cast<uchar>(bytes[at]) >= 0x80)
-            places.push_back(at);
-    }
-    return places;
-}
-
-/// How many characters at one place differ.
-qsizetype differing(const QString& one, const QString& other)
-{
-    qsizetype front = 0;
-    while (front < std::min(one.size(), other.size()) && one[front] == other[front])
-        ++front;
-    qsizetype back = 0;
-    while (back < std::min(one.size(), other.size()) - front &&
-           one[one.size() - 1 - back] == other[other.size() - 1 - back])
-        ++back;
-    return std::max(one.size(), other.size()) - front - back;
+    return encoding == SubtitleEncoding::Utf8 ? text.toUtf8() : QTextCodec::codecForName("CP949")->fromUnicode(text);
 }
 
 } // namespace
@@ -92,40 +73,46 @@ private slots:
         QCOMPARE(read, expected);
     }
 
-    void any_damaged_byte_of_cp949_costs_at_most_two_neighbours_and_never_the_guess_data()
+    void any_damaged_byte_costs_its_character_alone_even_in_two_lines_data()
     {
-        QTest::addColumn<int>("damage");
-        for (const int damage : {0x00, 0x20, 0x30, 0x41, 0x7A, 0x80, 0xA0, 0xB0, 0xC9, 0xFE, 0xFF})
-            QTest::newRow(qPrintable(QString::number(damage, 16))) << damage;
-    }
-
-    void any_damaged_byte_of_cp949_costs_at_most_two_neighbours_and_never_the_guess()
-    {
-        QFETCH(const int, damage);
-        const QString text = QStringLiteral("우리는 오늘 밤 영화를 보러 갑니다. 정말?\n고맙습니다, 여러분!\n");
-        const QByteArray bytes = QTextCodec::codecForName("CP949")->fromUnicode(text);
-        for (const qsizetype at : high_bytes(bytes)) {
-            QByteArray damaged = bytes;
-            damaged[at] = static_cast<char>(damage);
-            QCOMPARE(guess_encoding(damaged), SubtitleEncoding::Cp949);
-            // A blank at the edge of a word could have been either of its ends: what the file says elsewhere tells.
-            damaged += bytes;
-            QCOMPARE(guess_encoding(damaged), SubtitleEncoding::Cp949);
-            // The lost character, and its other byte where the damage stands for a character itself.
-            QVERIFY2(differing(text + text, decode_guessed(damaged)) <= 2, qPrintable(decode_guessed(damaged)));
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<SubtitleEncoding>("encoding");
+        for (const char* const text :
+             {"네.\n뭐?\n", "안녕하세요\n반갑습니다\n", "사랑해요, 엄마.\n나도 사랑한다\n",
+              "우리는 오늘 밤 영화를 보러 갑니다. 정말?\n고맙습니다, 여러분!\n",
+              "그 사람이 어디로 갔는지 알아요?\n글쎄, 잘 모르겠는데\n",
+              "빨리 도망쳐, 괴물이 온다\n꽉 잡아 떨어지지 않게\n", "똠방각하 펲시 햏햏\n뷁 쀍\n",
+              "FBI 요원 John은 LA로 갔다\nOK, 알았어 Bob\n", "제1화 시작\n2009년 3월\n",
+              "뭐라고요? 그럴 리가 없어요. 그 아이는 죽었다고요!\n진정하세요, 부인\n"}) {
+            QTest::addRow("cp949: %s", text) << QString::fromUtf8(text) << SubtitleEncoding::Cp949;
+            QTest::addRow("utf-8: %s", text) << QString::fromUtf8(text) << SubtitleEncoding::Utf8;
         }
     }
 
-    void any_damaged_byte_of_utf8_costs_at_most_its_character_and_never_the_guess()
+    void any_damaged_byte_costs_its_character_alone_even_in_two_lines()
     {
-        const QString text = QStringLiteral("우리는 오늘 밤 영화를 보러 갑니다. 정말?\n고맙습니다, 여러분!\n");
-        const QByteArray bytes = text.toUtf8();
-        for (const qsizetype at : high_bytes(bytes)) {
-            for (const int damage : {0x20, 0x41, 0x80, 0xB0, 0xC3, 0xFF}) {
-                QByteArray damaged = bytes;
-                damaged[at] = static_cast<char>(damage);
-                QCOMPARE(guess_encoding(damaged), SubtitleEncoding::Utf8);
-                QVERIFY2(differing(text, decode_guessed(damaged)) <= 3, qPrintable(decode_guessed(damaged)));
+        QFETCH(const QString, text);
+        QFETCH(const SubtitleEncoding, encoding);
+        for (qsizetype index = 0; index < text.size(); ++index) {
+            const QString before = text.first(index);
+            const QString behind = text.sliced(index + 1);
+            const QByteArray character = encoded(text.mid(index, 1), encoding);
+            if (character.size() == 1)
+                continue;
+            for (qsizetype place = 0; place < character.size(); ++place) {
+                for (int damage = 0; damage < 256; ++damage) {
+                    QByteArray damaged = character;
+                    damaged[place] = static_cast<char>(damage);
+                    // Those end lines, so that what stands behind them is another text.
+                    if (damage == '\n' || damage == '\r')
+                        continue;
+                    const QByteArray bytes = encoded(before, encoding) + damaged + encoded(behind, encoding);
+                    QCOMPARE(guess_encoding(bytes), encoding);
+                    const QString read = decode_guessed(bytes);
+                    const bool rest_is_whole = read.startsWith(before) && read.endsWith(behind) &&
+                                               read.size() >= before.size() + behind.size();
+                    QVERIFY2(rest_is_whole, qPrintable(QString::number(damage, 16) + u' ' + read));
+                }
             }
         }
     }
@@ -170,6 +157,13 @@ private slots:
                            QStringLiteral(".srt"), QStringLiteral("fil.srt")});
         QCOMPARE(shelf.files_of(QStringLiteral("film.mkv")), QStringList());
         QCOMPARE(shelf.files_of(QStringLiteral("film.ko.mkv")), QStringList({QStringLiteral("film.ko.srt")}));
+    }
+
+    void what_lies_beside_subtitles_under_their_name_is_no_other_film()
+    {
+        const Shelf shelf({QStringLiteral("film.mkv"), QStringLiteral("film.ko.smi"), QStringLiteral("film.ko.NFO"),
+                           QStringLiteral("film.ko.idx"), QStringLiteral("film.ko.smi.bak")});
+        QCOMPARE(shelf.files_of(QStringLiteral("film.mkv")), QStringList({QStringLiteral("film.ko.smi")}));
     }
 
     void names_with_dots_brackets_and_hangul_find_their_files()

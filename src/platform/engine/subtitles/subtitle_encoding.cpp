@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <string_view>
 #include <tuple>
 #include <vector>
 
@@ -171,9 +172,62 @@ char16_t double_byte(uchar lead, uchar trail)
     return place ? double_bytes()[*place] : char16_t(0);
 }
 
-bool is_common_hangul(uchar lead, uchar trail)
+/// The syllables that Korean talk is mostly made of, the most frequent ones first.
+constexpr char16_t frequent_syllables[] =
+    // clang-format off
+    u"이다는에가을고하지의도로한사어아기나를그은리자시해들서인일대거게면니있요라내수여만보주전정안부스"
+    u"무우마것구야상오말없네원까제장으런모더생소세미실신습동알려과와비저러죽금성조람때데진든적간위했못"
+    u"잘좋너뭐됐될돼왜누살잖않걸건겠군같었았였랑님당친집번문분연영중식방발물화행경계국회학교선배반복녀"
+    u"남엄빠언형딸손눈머입몸갈갑감갔강개객결겁겨격관광괜권귀글급길김깨꺼께꼭끝끼난날낸냐년노놈높느늘능"
+    u"늦단달답던덕돈돌두둘둥뒤드디따딱떠떤떻또란래량레력렇례론료루류르른름릅릴림립막많망맞매먹메며명몇"
+    u"목바박받밖밤버벌법베별병봐봤북불빌빨싸써썼쓰씀씨산새색석설섯셔션셨속송쇼순술숨쉬슨슬승싫싶심십악"
+    u"애약양얘얼업엇열엔예온올옷완외용운울움워월유육음응임작잔잡재쟁져졌족종좀죄준줄줘즈즉증직질짓짜쪽"
+    u"찍찮찰참찾채책처천첫체쳐쳤초최추출충취치칠카커컴크큰키킬타탁태터테토통트특틀팀파팔패퍼편평포표품"
+    u"프피필할함합항향허험헤혀현혼홀환활황후훈휴흥희히힘";
+// clang-format on
+
+/// How little a pair is to be expected in a text; what that text says elsewhere costs nothing.
+enum PairCost : uchar {
+    already_seen = 0,
+    frequent = 1,
+    common_hangul = 4,
+    symbol = 3,
+    alphabet = 7, ///< kana, Greek, Cyrillic and the like
+    seldom = 9,   ///< Chinese characters, and the syllables that the plain page lacks
+};
+
+uchar usual_cost(uchar lead, uchar trail)
 {
-    return lead >= 0xB0 && lead <= 0xC8 && trail >= 0xA1;
+    const char16_t character = double_byte(lead, trail);
+    if (character != 0 && std::u16string_view(frequent_syllables).find(character) != std::u16string_view::npos)
+        return PairCost::frequent;
+    constexpr uchar first_plain = 0xA1;
+    if (lead < first_plain || trail < first_plain)
+        return PairCost::seldom;
+    constexpr uchar last_of_symbols = 0xA1;
+    return lead <= last_of_symbols ? PairCost::symbol
+           : lead < 0xB0           ? PairCost::alphabet
+           : lead <= 0xC8          ? PairCost::common_hangul
+                                   : PairCost::seldom;
+}
+
+using PairCosts = std::array<uchar, std::tuple_size_v<DoubleBytes>>;
+
+/// Of each pair, by its place.
+const PairCosts& usual_costs()
+{
+    static const PairCosts table = [] {
+        PairCosts costs = {};
+        for (int lead = first_lead; lead <= last_lead; ++lead) {
+            for (int trail = first_trail; trail <= last_trail; ++trail) {
+                const auto first = static_cast<uchar>(lead);
+                const auto second = static_cast<uchar>(trail);
+                costs[*place_of(first, second)] = usual_cost(first, second);
+            }
+        }
+        return costs;
+    }();
+    return table;
 }
 
 /// Reads damaged stretches of CP949 in the way that loses the fewest characters: a lost byte must not shift the pairs
@@ -189,18 +243,18 @@ public:
 private:
     enum class Step { Plain = 0, Pair = 1, LostPair = 2, LostByte = 3 };
 
-    void see_pairs();
-    int pair_cost(uchar lead, uchar trail) const;
-    int lost_byte_cost(qsizetype at, qsizetype from, qsizetype to) const;
+    void weigh_pairs();
+    int lost_byte_cost(qsizetype at) const;
 
     QByteArrayView m_bytes;
-    std::vector<bool> m_seen; ///< the pairs that stand in the file's sound stretches; filled when first needed
+    std::vector<uchar> m_costs; ///< of each pair, by its place; filled when first needed
 };
 
-/// What a text says once it says again: that tells apart readings that lose equally much.
-void Mender::see_pairs()
+/// Tells apart readings that lose equally much: what a text says in its sound stretches it says again, and a few
+/// hundred syllables make up most of all talk.
+void Mender::weigh_pairs()
 {
-    m_seen.assign(std::tuple_size_v<DoubleBytes>, false);
+    m_costs.assign(usual_costs().begin(), usual_costs().end());
     std::vector<std::size_t> places;
     for (qsizetype at = 0; at < m_bytes.size();) {
         places.clear();
@@ -216,32 +270,35 @@ void Mender::see_pairs()
         }
         if (sound) {
             for (const std::size_t place : places)
-                m_seen[place] = true;
+                m_costs[place] = PairCost::already_seen;
         }
         ++at;
     }
 }
 
-int Mender::pair_cost(uchar lead, uchar trail) const
+/// What was damaged into a letter or a blank leaves its other half next to that; least of all is that a sign which
+/// stands there anyway.
+int Mender::lost_byte_cost(qsizetype at) const
 {
-    if (m_seen[*place_of(lead, trail)])
-        return 0;
-    return is_common_hangul(lead, trail) ? 1 : 3;
-}
-
-/// What was damaged into a letter or a blank leaves its other half next to that.
-int Mender::lost_byte_cost(qsizetype at, qsizetype from, qsizetype to) const
-{
-    const bool beside_plain =
-        at == from || at + 1 == to || byte_at(m_bytes, at - 1) < 0x80 || byte_at(m_bytes, at + 1) < 0x80;
-    return beside_plain ? 56 : 64;
+    constexpr int among_pairs = 208;
+    constexpr int beside_usual = 202;
+    constexpr int beside_odd = 194;
+    constexpr std::string_view usual_before = " \t\r\n<>([\"'-~.";
+    constexpr std::string_view usual_behind = " \t\r\n<>)]\"'-~.,!?&";
+    const auto cost_beside = [](uchar byte, std::string_view usual) {
+        const bool is_usual = usual.find(static_cast<char>(byte)) != std::string_view::npos;
+        return byte >= 0x80 ? among_pairs : is_usual ? beside_usual : beside_odd;
+    };
+    const uchar before = at > 0 ? byte_at(m_bytes, at - 1) : uchar('\n');
+    const uchar behind = at + 1 < m_bytes.size() ? byte_at(m_bytes, at + 1) : uchar('\n');
+    return std::min(cost_beside(before, usual_before), cost_beside(behind, usual_behind));
 }
 
 void Mender::mend(qsizetype from, qsizetype to, std::vector<char16_t>& units)
 {
-    constexpr int lost_pair_cost = 60;
-    if (m_seen.empty())
-        see_pairs();
+    constexpr int lost_pair_cost = 200;
+    if (m_costs.empty())
+        weigh_pairs();
     const auto size = static_cast<std::size_t>(to - from);
     std::vector<int> cost(size + 2, 0);
     std::vector<Step> steps(size, Step::Plain);
@@ -256,14 +313,17 @@ void Mender::mend(qsizetype from, qsizetype to, std::vector<char16_t>& units)
             cost[left] = price;
             steps[left] = step;
         };
-        choose(Step::LostByte, cost[left + 1] + lost_byte_cost(at, from, to));
+        choose(Step::LostByte, cost[left + 1] + lost_byte_cost(at));
         if (left + 1 == size)
             continue;
         const uchar trail = byte_at(m_bytes, at + 1);
         if (trail >= 0x80 && cost[left + 2] + lost_pair_cost < cost[left])
             choose(Step::LostPair, cost[left + 2] + lost_pair_cost);
-        if (double_byte(lead, trail) != 0 && cost[left + 2] + pair_cost(lead, trail) <= cost[left])
-            choose(Step::Pair, cost[left + 2] + pair_cost(lead, trail));
+        if (double_byte(lead, trail) == 0)
+            continue;
+        const int price = cost[left + 2] + m_costs[*place_of(lead, trail)];
+        if (price <= cost[left])
+            choose(Step::Pair, price);
     }
     for (std::size_t left = 0; left < size;) {
         const qsizetype at = from + static_cast<qsizetype>(left);
@@ -379,14 +439,18 @@ bool is_text(QByteArrayView bytes)
 {
     constexpr qsizetype looked_at = 65536;
     constexpr qsizetype one_in = 25;
+    constexpr qsizetype few = 8;
     bytes = bytes.first(std::min(bytes.size(), looked_at));
+    // A system that went down while it wrote fills a file up with zeros.
+    while (bytes.endsWith('\0'))
+        bytes.chop(1);
     if (is_utf16(marked_encoding(bytes).value_or(SubtitleEncoding::Utf8)))
         return true;
     const auto controls = std::count_if(bytes.begin(), bytes.end(), [](char byte) {
         const auto value = static_cast<uchar>(byte);
         return (value < 0x20 && value != '\t' && value != '\n' && value != '\r' && value != '\f') || value == 0x7F;
     });
-    return controls <= bytes.size() / one_in;
+    return controls <= std::max(few, bytes.size() / one_in);
 }
 
 SubtitleEncoding guess_encoding(QByteArrayView bytes)

@@ -21,6 +21,12 @@ constexpr const char* marks[] = {
     "english", "japanese", "chinese", "forced", "sdh", "cc", "hi", "full", "default",
 };
 
+/// What lies beside subtitles under their name and is no film.
+constexpr const char* companions[] = {
+    "idx", "txt", "nfo", "jpg", "jpeg", "png", "xml", "html", "url", "log", "bak", "old", "orig",
+    "tmp", "zip", "rar", "7z",  "sup",  "mks", "mka", "mp3",  "aac", "ac3", "dts", "wav", "flac",
+};
+
 constexpr qsizetype not_a_suffix = std::size(suffixes);
 
 /// The suffix's place in the table.
@@ -44,6 +50,13 @@ bool is_mark(const QString& text)
            QLocale::codeToLanguage(language) != QLocale::AnyLanguage;
 }
 
+bool is_companion(const QString& suffix)
+{
+    return std::any_of(std::begin(companions), std::end(companions), [&suffix](const char* known) {
+        return suffix.compare(QLatin1String(known), Qt::CaseInsensitive) == 0;
+    });
+}
+
 /// One name has several spellings in Unicode; files from other systems bring them.
 QString composed(const QString& name)
 {
@@ -64,7 +77,8 @@ QStringList subtitle_files_of(const QString& film)
     const QFileInfoList entries = info.absoluteDir().entryInfoList(QDir::Files | QDir::Hidden, QDir::Name);
     QSet<QString> other_films;
     for (const QFileInfo& entry : entries) {
-        if (!has_subtitle_suffix(entry.fileName()) && entry.fileName() != info.fileName())
+        const bool may_be_film = !has_subtitle_suffix(entry.fileName()) && !is_companion(entry.suffix());
+        if (may_be_film && entry.fileName() != info.fileName())
             other_films.insert(composed(entry.completeBaseName()));
     }
 
