@@ -41,6 +41,8 @@ std::optional<Timing> read_timing(QStringView line)
 std::optional<long long> counter(QStringView line)
 {
     line = line.trimmed();
+    while (!line.isEmpty() && line[0].category() == QChar::Other_Format)
+        line = line.sliced(1);
     bool is_number = false;
     const long long number = line.toLongLong(&is_number);
     return is_number ? std::optional(number) : std::nullopt;

@@ -1,12 +1,14 @@
 #include "sami_reader.h"
 
 #include "subtitle_markup.h"
+#include "time_code.h"
 #include "timed_text.h"
 
 #include <QHash>
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 
 namespace
@@ -17,6 +19,12 @@ struct Language {
     QString name;
     std::vector<TimedText> lines;
 };
+
+/// Also the curly ones that word processors put in.
+bool is_quote(QChar character)
+{
+    return QStringView(u"\"'\u201C\u201D\u2018\u2019").contains(character);
+}
 
 bool is_name_letter(QChar character)
 {
@@ -45,24 +53,27 @@ struct Tag {
             if (rest.isEmpty())
                 return {};
             const QChar quote = rest[0];
-            if (quote == u'"' || quote == u'\'') {
+            if (is_quote(quote)) {
                 rest = rest.sliced(1);
                 const qsizetype end = rest.indexOf(quote);
                 if (end >= 0)
                     return rest.first(end).trimmed();
             }
             qsizetype end = 0;
-            while (end < rest.size() && !rest[end].isSpace() && rest[end] != u'"' && rest[end] != u'\'')
+            while (end < rest.size() && !rest[end].isSpace() && !is_quote(rest[end]))
                 ++end;
-            return rest.first(end);
+            const QStringView bare = rest.first(end);
+            return bare.endsWith(u'/') ? bare.chopped(1) : bare;
         }
         return {};
     }
 };
 
-/// The whole milliseconds that an attribute begins with.
+/// The whole milliseconds that an attribute begins with; a few programs write "00:00:01.500" instead.
 std::optional<long long> milliseconds(QStringView value)
 {
+    if (const std::optional<long long> time = take_time_code(value))
+        return time;
     constexpr qsizetype most_digits = 12;
     const bool negative = value.startsWith(u'-');
     if (negative)
@@ -79,6 +90,39 @@ std::optional<long long> milliseconds(QStringView value)
     return negative ? -number : number;
 }
 
+/// How much of @p source, which follows the name of a tag that was never closed, are its attributes.
+qsizetype attributes_length(QStringView source)
+{
+    qsizetype length = 0;
+    for (qsizetype at = 0; at < source.size();) {
+        const auto pass = [&at, source](auto&& wanted) {
+            const qsizetype first = at;
+            while (at < source.size() && wanted(source[at]))
+                ++at;
+            return at > first;
+        };
+        const auto is_blank = [](QChar character) { return character.isSpace(); };
+        pass(is_blank);
+        if (!pass(is_name_letter))
+            break;
+        pass(is_blank);
+        if (at == source.size() || source[at] != u'=')
+            break;
+        ++at;
+        pass(is_blank);
+        const bool is_quoted = at < source.size() && is_quote(source[at]);
+        const qsizetype closing = is_quoted ? source.indexOf(source[at], at + 1) : -1;
+        if (closing >= 0)
+            at = closing + 1;
+        else
+            pass([](QChar character) { return !character.isSpace(); });
+        length = at;
+    }
+    return length;
+}
+
+constexpr qsizetype never = std::numeric_limits<qsizetype>::max();
+
 class SamiReader
 {
 public:
@@ -94,6 +138,7 @@ private:
     std::size_t language_of(QStringView name);
     void add_text(QStringView text);
     void tell(const QString& text);
+    void tell(std::size_t language, const QString& text);
     void close_paragraph();
     void close_time();
     void pass_comment();
@@ -106,10 +151,13 @@ private:
     QStringList m_listed;                 ///< the style sheet's classes in small letters, in order
     std::optional<long long> m_start;
     std::optional<long long> m_end;
-    std::optional<QString> m_class; ///< of the paragraph that was begun last
-    bool m_has_paragraph = false;   ///< since the time was told
-    bool m_told = false;            ///< whether anything was told at this time
-    bool m_comments_end = true;     ///< whether there may be another end of a comment
+    std::optional<QString> m_class;         ///< of the paragraph that was begun last
+    bool m_has_paragraph = false;           ///< since the time was told
+    bool m_names_class = false;             ///< whether the paragraph names its class
+    std::vector<std::size_t> m_told;        ///< the languages of what was told at this time
+    std::vector<std::size_t> m_told_before; ///< and at the time before it
+    std::optional<long long> m_start_before;
+    qsizetype m_comment_end = 0; ///< the end of a comment that was found last, or never
     QString m_text;
 };
 
@@ -132,12 +180,14 @@ std::optional<Tag> SamiReader::take_tag()
     Tag tag{rest.sliced(first, at - first), {}};
     if (spaced && !tag.is("sync") && !tag.is("p") && !tag.is("br"))
         return std::nullopt;
-    // A tag that was never closed ends where the next one begins.
     qsizetype end = at;
     while (end < rest.size() && rest[end] != u'>' && rest[end] != u'<')
         ++end;
+    const bool is_closed = end < rest.size() && rest[end] == u'>';
+    if (!is_closed)
+        end = at + attributes_length(rest.sliced(at, end - at));
     tag.attributes = rest.sliced(at, end - at);
-    m_at += end < rest.size() && rest[end] == u'>' ? end + 1 : end;
+    m_at += is_closed ? end + 1 : end;
     return tag;
 }
 
@@ -159,17 +209,27 @@ QStringView SamiReader::take_raw(const char* closing)
     return rest.first(end);
 }
 
-/// Passes a comment; one that never ends is over with the next ">".
+/// Passes a comment. One that never ends, or not before the next one begins, goes no further than the next tag.
 void SamiReader::pass_comment()
 {
-    qsizetype end = m_comments_end ? m_source.indexOf(QLatin1String("-->"), m_at + 2) : -1;
-    m_comments_end = end >= 0;
-    if (end >= 0) {
-        m_at = end + 3;
-        return;
+    constexpr qsizetype opening = 4;
+    if (m_comment_end < m_at + 2) {
+        const qsizetype end = m_source.indexOf(QLatin1String("-->"), m_at + 2);
+        m_comment_end = end >= 0 ? end : never;
     }
-    end = m_source.indexOf(u'>', m_at);
-    m_at = end >= 0 ? end + 1 : m_source.size();
+    if (m_comment_end != never) {
+        const QStringView inside = m_source.first(m_comment_end).sliced(std::min(m_at + opening, m_comment_end));
+        if (!inside.contains(QLatin1String("<!--"))) {
+            m_at = m_comment_end + 3;
+            return;
+        }
+    }
+    for (m_at += opening; m_at < m_source.size() && m_source[m_at] != u'<'; ++m_at) {
+        if (m_source[m_at] == u'>') {
+            ++m_at;
+            break;
+        }
+    }
 }
 
 void SamiReader::list_classes(QStringView style)
@@ -221,9 +281,21 @@ void SamiReader::add_text(QStringView text)
 
 void SamiReader::tell(const QString& text)
 {
+    // A blank that names no class takes off the screen whatever the time before it put there.
+    if (text.isEmpty() && !m_names_class && m_told.empty() && !m_told_before.empty()) {
+        for (const std::size_t language : m_told_before)
+            tell(language, text);
+        return;
+    }
     const QString name = m_class ? *m_class : m_listed.isEmpty() ? QString() : m_listed.first();
-    m_languages[language_of(name)].lines.push_back({*m_start, m_end, text});
-    m_told = true;
+    tell(language_of(name), text);
+}
+
+void SamiReader::tell(std::size_t language, const QString& text)
+{
+    m_languages[language].lines.push_back({*m_start, m_end, text});
+    if (std::find(m_told.begin(), m_told.end(), language) == m_told.end())
+        m_told.push_back(language);
 }
 
 /// Ends what is said in one class at one time.
@@ -240,7 +312,7 @@ void SamiReader::close_time()
 {
     close_paragraph();
     // A time with nothing behind it takes the line off the screen.
-    if (m_start && !m_told)
+    if (m_start && m_told.empty())
         tell({});
 }
 
@@ -251,20 +323,30 @@ void SamiReader::obey(const Tag& tag)
         if (!start)
             return;
         close_time();
+        if (m_start != m_start_before)
+            m_told_before.clear();
+        m_start_before = m_start;
+        for (const std::size_t language : m_told) {
+            if (std::find(m_told_before.begin(), m_told_before.end(), language) == m_told_before.end())
+                m_told_before.push_back(language);
+        }
+        m_told.clear();
         m_start = start;
-        m_told = false;
+        m_names_class = false;
         m_end = milliseconds(tag.value(QLatin1String("end")));
         m_has_paragraph = false;
     } else if (tag.is("p")) {
         close_paragraph();
         m_has_paragraph = true;
-        if (const QStringView name = tag.value(QLatin1String("class")); !name.isEmpty())
+        const QStringView name = tag.value(QLatin1String("class"));
+        m_names_class = !name.isEmpty();
+        if (m_names_class)
             m_class = name.toString();
     } else if (tag.is("br") || tag.is("/br")) {
         m_text += u'\n';
     } else if (tag.is("style")) {
         list_classes(take_raw("</style"));
-    } else if (tag.is("title") || tag.is("samiparam") || tag.is("script")) {
+    } else if (!m_start && (tag.is("title") || tag.is("samiparam") || tag.is("script"))) {
         take_raw(tag.is("title") ? "</title" : tag.is("script") ? "</script" : "</samiparam");
     }
 }

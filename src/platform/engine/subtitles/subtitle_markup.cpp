@@ -24,7 +24,7 @@ constexpr char16_t numbers_from_128[] = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
 
-/// The entities that are also understood without ";" and with text right behind them.
+/// The entities that are also understood without ";" and with letters right behind them.
 constexpr const char* bare_entities[] = {"nbsp", "amp", "lt", "gt", "quot"};
 
 /// What is longer is no tag, and not looked through again and again.
@@ -129,7 +129,7 @@ qsizetype subtitle_markup::append_entity(QStringView source, bool strict, QStrin
         while (end < source.size() && end <= longest_name && (is_latin_letter(source[end]) || is_digit(source[end])))
             ++end;
         const QStringView name = source.sliced(1, end - 1);
-        if (end < source.size() && source[end] == u';') {
+        if (!strict || (end < source.size() && source[end] == u';')) {
             character = named(name);
             length = end;
         }

@@ -11,6 +11,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <optional>
@@ -54,13 +55,13 @@ std::optional<Kind> kind_by_content(const QString& text)
         return Kind::Sami;
     if (has("[script info]") || has("\ndialogue:"))
         return Kind::Ass;
-    if (has("-->"))
+    static const QRegularExpression times(QStringLiteral("\\d\\s*-->"));
+    if (times.match(beginning.toString()).hasMatch())
         return Kind::SubRip;
-    for (const QStringView line : beginning.split(u'\n')) {
-        if (!line.trimmed().isEmpty())
-            return is_micro_dvd_line(line) ? std::optional(Kind::Frames) : std::nullopt;
-    }
-    return std::nullopt;
+    // A few lines may come before the first one with a time, such as "{DEFAULT}{}{F:Arial}".
+    constexpr qsizetype first_lines = 10;
+    const QList<QStringView> lines = beginning.split(u'\n', Qt::SkipEmptyParts).mid(0, first_lines);
+    return std::any_of(lines.begin(), lines.end(), is_micro_dvd_line) ? std::optional(Kind::Frames) : std::nullopt;
 }
 
 std::optional<Kind> kind_by_suffix(const QString& file)

@@ -36,9 +36,11 @@ long long take_fraction(QStringView& text)
     return milliseconds;
 }
 
+/// Also passes the marks without width with which some programs surround times.
 void pass_blanks(QStringView& text)
 {
-    while (!text.isEmpty() && text[0].isSpace())
+    const auto is_mark = [](QChar character) { return character.category() == QChar::Other_Format; };
+    while (!text.isEmpty() && (text[0].isSpace() || is_mark(text[0])))
         text = text.sliced(1);
 }
 
@@ -73,7 +75,8 @@ std::optional<long long> take_time_code(QStringView& text)
     long long milliseconds = seconds * 1000;
     QStringView behind = rest;
     pass_blanks(behind);
-    if (behind.startsWith(u',') || behind.startsWith(u'.') || (count == most_fields && behind.startsWith(u':'))) {
+    const bool is_sure = count == most_fields && (behind.startsWith(u':') || behind.startsWith(u';'));
+    if (is_sure || behind.startsWith(u',') || behind.startsWith(u'.')) {
         rest = behind.sliced(1);
         pass_blanks(rest);
         milliseconds += take_fraction(rest);
