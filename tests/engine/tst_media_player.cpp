@@ -2,14 +2,10 @@
 #include "sound_output.h"
 #include "test_main.h"
 
-#include <QLocalServer>
 #include <QtEndian>
 
-#include <poll.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 
-#include <atomic>
 #include <thread>
 
 using namespace std::chrono_literals;
@@ -366,20 +362,6 @@ private slots:
         QVERIFY2(rate > 1.6 && rate < 2.4, qPrintable(QString::number(rate)));
     }
 
-    void without_a_sound_device_a_film_plays_in_real_time()
-    {
-        Bench bench;
-        QVERIFY(bench.start(test_films::path("minute.mp4")));
-        QVERIFY(bench.runs_on(200));
-        QElapsedTimer clock;
-        clock.start();
-        const Time from = bench.recorder.position();
-        QVERIFY(bench.runs_on(2000));
-        const double rate =
-            static_cast<double>(bench.recorder.position() - from) / static_cast<double>(clock.elapsed());
-        QVERIFY2(rate > 0.8 && rate < 1.2, qPrintable(QString::number(rate)));
-    }
-
     void another_sound_track_brings_no_long_gap()
     {
         Bench bench;
@@ -665,44 +647,6 @@ private slots:
         QCOMPARE(bench.player.play(), rask::ok);
         QVERIFY(bench.recorder.wait_for_reports(5, 20s));
         QCOMPARE(bench.recorder.reports(), started + ended);
-    }
-
-    void a_sound_server_that_hangs_up_leaves_the_film_its_time()
-    {
-        QTemporaryDir directory;
-        QLocalServer server;
-        QVERIFY(server.listen(directory.filePath(QStringLiteral("sound"))));
-        const QByteArray before = qgetenv("PULSE_SERVER");
-        qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(server.fullServerName()));
-        std::atomic<bool> over = false;
-        int callers = 0;
-        std::thread sound_server([&] {
-            while (!over) {
-                pollfd caller{static_cast<int>(server.socketDescriptor()), POLLIN, 0};
-                if (::poll(&caller, 1, 20) <= 0)
-                    continue;
-                if (const int line = ::accept(caller.fd, nullptr, nullptr); line >= 0) {
-                    ++callers;
-                    ::close(line);
-                }
-            }
-        });
-        double rate = 0;
-        {
-            Bench bench;
-            if (bench.start(test_films::path("minute.mp4")) && bench.runs_on(200)) {
-                QElapsedTimer clock;
-                clock.start();
-                const Time from = bench.recorder.position();
-                if (bench.runs_on(2000))
-                    rate = static_cast<double>(bench.recorder.position() - from) / static_cast<double>(clock.elapsed());
-            }
-        }
-        over = true;
-        sound_server.join();
-        before.isNull() ? qunsetenv("PULSE_SERVER") : qputenv("PULSE_SERVER", before);
-        QVERIFY(callers > 0);
-        QVERIFY2(rate > 0.8 && rate < 1.2, qPrintable(QString::number(rate)));
     }
 
     void a_late_picture_keeps_its_time()

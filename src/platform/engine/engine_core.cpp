@@ -1,6 +1,7 @@
 #include "engine_core.h"
 
 #include <array>
+#include <utility>
 #include <vector>
 
 namespace
@@ -10,6 +11,10 @@ struct Setting {
     const char* name;
     const char* value;
 };
+
+/// Named, because looking for more kinds takes time and leaves memory behind; the last one plays on without sound.
+constexpr const char* with_sound = "pulse,pipewire,alsa,null";
+constexpr const char* without_sound = "null";
 
 /// What the library is told before it starts. Everything a desktop player would read, show or listen to is off.
 constexpr std::array<Setting, 42> settings = {{
@@ -52,8 +57,7 @@ constexpr std::array<Setting, 42> settings = {{
     {"sws-fast", "yes"},
     // Measured on 480x272: the other scaler takes nearly three times as long and wakes a thread more for each picture.
     {"sws-allow-zimg", "no"},
-    // Named, because looking for more kinds takes time and leaves memory behind; the last one plays on without sound.
-    {"ao", "pulse,pipewire,alsa,null"},
+    {"ao", without_sound},
     {"audio-fallback-to-null", "yes"},
     {"audio-client-name", "tavel_video"},
     {"audio-pitch-correction", "yes"},
@@ -124,6 +128,12 @@ void EngineCore::set(const char* property, const QByteArray& value)
 void EngineCore::set(const char* property, double value)
 {
     mpv_set_property_async(m_handle, 0, property, MPV_FORMAT_DOUBLE, &value);
+}
+
+void EngineCore::use_sound(bool on)
+{
+    if (std::exchange(m_uses_sound, on) != on)
+        set("ao", on ? with_sound : without_sound);
 }
 
 bool EngineCore::ask_number(const char* property, std::uint64_t id)

@@ -32,6 +32,9 @@ public:
     bool command(const QByteArrayList& words, std::uint64_t id = 0);
     void set(const char* property, const QByteArray& value);
     void set(const char* property, double value);
+    /// Whether films are heard. One that is loaded goes on, with sound that comes or goes. Off in the beginning.
+    void use_sound(bool on);
+    bool uses_sound() const { return m_uses_sound; }
     /// Asks for a number that comes back in an event with @p id.
     bool ask_number(const char* property, std::uint64_t id);
     void watch(const char* property, mpv_format format, std::uint64_t id);
@@ -41,4 +44,5 @@ private:
 
     mpv_handle* m_handle = nullptr;
     std::optional<PictureOutput> m_picture;
+    bool m_uses_sound = false;
 };

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <ctime>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -41,7 +42,7 @@ constexpr int two_thread_height = 720;
 constexpr int hardware_height = 720;
 
 /// What the library's answers are known by; operations count on from the last.
-enum FixedId : std::uint64_t { end_id = 1, position_id = 2, first_free_id = 16 };
+enum FixedId : std::uint64_t { end_id = 1, position_id = 2, sound_clock_id = 3, buffered_id = 4, first_free_id = 16 };
 
 /// What turns the picture. The library's own rotation is off: its software renderer takes a turned size for the
 /// picture's and ends the process.
@@ -66,6 +67,13 @@ double to_seconds(Time position)
 Time to_time(double seconds)
 {
     return std::llround(seconds * 1000.0);
+}
+
+std::chrono::nanoseconds processor_time()
+{
+    timespec used = {};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
+    return std::chrono::seconds(used.tv_sec) + std::chrono::nanoseconds(used.tv_nsec);
 }
 
 } // namespace
@@ -177,6 +185,7 @@ RaskStatus Playback::select_sound(int track)
             return rask::wrong_state;
         if (track < 1 || track > m_film.audio_streams)
             return rask::out_of_range;
+        m_sound_track = track;
         m_core->set("aid", QByteArray::number(track));
         return rask::ok;
     });
@@ -250,7 +259,7 @@ void Playback::run()
         else
             check_deadlines();
     }
-    abandon_core();
+    abandon_core(end_limit);
 }
 
 bool Playback::run_tasks()
@@ -272,7 +281,7 @@ double Playback::seconds_to_deadline() const
 {
     Deadline next;
     for (const Deadline& deadline :
-         {m_start_deadline, m_load_deadline, m_seek_deadline, m_scan_tick, m_position_tick}) {
+         {m_start_deadline, m_load_deadline, m_seek_deadline, m_scan_tick, m_position_tick, m_sound.deadline()}) {
         if (deadline && (!next || *deadline < *next))
             next = deadline;
     }
@@ -288,12 +297,9 @@ void Playback::check_deadlines()
     if (passed(m_load_deadline)) {
         finish_load(rask::timed_out);
     } else if (passed(m_start_deadline)) {
-        abandon_core();
-        if (ensure_core())
-            send_load();
-        else
-            finish_load(rask::engine_failed);
-        m_start_deadline.reset();
+        replace_core();
+    } else if (m_sound.is_held_up(now, processor_time())) {
+        go_on_without_sound();
     }
     if (passed(m_seek_deadline))
         finish_seek(m_seek_target);
@@ -317,7 +323,7 @@ bool Playback::ensure_core()
     return true;
 }
 
-void Playback::abandon_core()
+void Playback::abandon_core(std::chrono::milliseconds patience)
 {
     if (!m_core)
         return;
@@ -328,7 +334,29 @@ void Playback::abandon_core()
     m_position_asked = false;
     m_core->picture().show(false);
     BackgroundTask ending([core = std::shared_ptr<EngineCore>(std::move(m_core))] {});
-    ending.wait_for(end_limit);
+    ending.wait_for(patience);
+}
+
+void Playback::replace_core()
+{
+    const Time start = m_seek_stage == SeekStage::None ? m_position : m_seek_target;
+    abandon_core(0ms);
+    if (!ensure_core()) {
+        fail_load();
+        return;
+    }
+    send_load(start);
+    m_start_deadline.reset(); // there is no film before this one
+    if (m_seek_stage != SeekStage::None)
+        finish_seek(start);
+}
+
+void Playback::go_on_without_sound()
+{
+    const bool to_blame = m_core && m_core->uses_sound();
+    m_sound.give_up(Clock::now());
+    if (to_blame && (is_loaded() || m_phase == Phase::Loading))
+        replace_core();
 }
 
 void Playback::apply_settings()
@@ -344,9 +372,11 @@ void Playback::handle(const mpv_event& event)
 {
     switch (event.event_id) {
     case MPV_EVENT_COMMAND_REPLY:
+        m_sound.answered();
         on_command_reply(event);
         break;
     case MPV_EVENT_GET_PROPERTY_REPLY:
+        m_sound.answered();
         on_number(event);
         break;
     case MPV_EVENT_PROPERTY_CHANGE:
@@ -358,8 +388,12 @@ void Playback::handle(const mpv_event& event)
             m_start_deadline.reset();
         break;
     case MPV_EVENT_FILE_LOADED:
-        if (m_current == m_entry && m_phase == Phase::Loading)
-            m_core->picture().show(true);
+        if (m_current != m_entry)
+            break;
+        m_core->picture().show(true);
+        // Now the library opens the sound: it is asked whether it is still there.
+        if (m_phase == Phase::Loading)
+            ask_position();
         break;
     case MPV_EVENT_END_FILE:
         on_end_file(*static_cast<const mpv_event_end_file*>(event.data));
@@ -382,9 +416,9 @@ void Playback::handle(const mpv_event& event)
 
 void Playback::on_command_reply(const mpv_event& event)
 {
-    if (event.reply_userdata == m_load_id && m_phase == Phase::Loading) {
+    if (event.reply_userdata == m_load_id && (m_phase == Phase::Loading || is_loaded())) {
         if (event.error < 0) {
-            finish_load(rask::engine_failed);
+            fail_load();
             return;
         }
         const mpv_node& result = static_cast<const mpv_event_command*>(event.data)->result;
@@ -427,6 +461,10 @@ void Playback::on_number(const mpv_event& event)
         finish_load(value >= 1.0 ? rask::ok : rask::not_a_film);
     else if (event.reply_userdata == position_id)
         on_position(known ? std::optional(to_time(value)) : std::nullopt);
+    else if (event.reply_userdata == sound_clock_id)
+        m_sound_clock = known ? std::optional(value) : std::nullopt;
+    else if (event.reply_userdata == buffered_id)
+        on_sound_clock(known ? std::optional(value) : std::nullopt);
     else if (event.reply_userdata == m_seek_id && m_seek_stage == SeekStage::Running)
         finish_seek(known ? to_time(value) : m_seek_target);
 }
@@ -437,16 +475,35 @@ void Playback::ask_position()
     // A library that has not answered yet is stuck in a read: more questions would only pile up.
     if (m_seek_stage == SeekStage::None && !m_position_asked)
         m_position_asked = m_core->ask_number("time-pos", position_id);
+    if (m_position_asked)
+        m_sound.asked(Clock::now(), processor_time());
 }
 
 void Playback::on_position(std::optional<Time> position)
 {
     m_position_asked = false;
-    if (!position || m_phase != Phase::Playing || m_seek_stage != SeekStage::None || m_current != m_entry ||
-        *position == m_position)
+    if (!position || m_phase != Phase::Playing || m_seek_stage != SeekStage::None || m_current != m_entry) {
+        m_sound.position_moved(Clock::now());
         return;
+    }
+    if (*position == m_position) {
+        if (m_core->uses_sound() && m_sound.wants_clock(Clock::now())) {
+            m_core->ask_number("audio-pts", sound_clock_id);
+            m_core->ask_number("demuxer-cache-time", buffered_id);
+        }
+        return;
+    }
+    m_sound.position_moved(Clock::now());
+    if (m_core->uses_sound())
+        m_sound.film_runs();
     m_position = *position;
     report_time(m_position);
+}
+
+void Playback::on_sound_clock(std::optional<double> buffered)
+{
+    if (m_sound.stands_still(m_sound_clock, buffered) && m_phase == Phase::Playing)
+        go_on_without_sound();
 }
 
 void Playback::on_property(const mpv_event_property& property, std::uint64_t id)
@@ -491,24 +548,28 @@ void Playback::do_load(const Film& film, std::shared_ptr<Answer> answer)
     if (ensure_core())
         send_load();
     else
-        finish_load(rask::engine_failed);
+        fail_load();
 }
 
-void Playback::send_load()
+void Playback::send_load(Time start)
 {
     const bool graphics = m_film.height >= hardware_height && QDir(QStringLiteral("/dev/dri")).exists();
     const int threads = m_film.height <= one_thread_height ? 1 : m_film.height <= two_thread_height ? 2 : 0;
     m_core->set("hwdec", graphics ? "auto-copy-safe" : "no");
     m_core->set("vd-lavc-threads", QByteArray::number(threads));
     m_core->set("vf", turning_filter(m_film.rotation));
-    m_core->set("pause", "yes");
-    m_core->set("aid", "auto");
-    m_core->set("speed", 1.0);
+    m_core->use_sound(m_sound.trust(Clock::now()) == SoundWatch::Trust::Full);
+    set_paused(m_phase != Phase::Playing);
+    m_core->set("aid", m_sound_track > 0 ? QByteArray::number(m_sound_track) : "auto");
+    m_core->set("speed", m_speed / 100.0);
     m_entry = -1;
     m_load_id = ++m_last_id;
     m_start_deadline = Clock::now() + start_limit;
-    if (!m_core->command({"loadfile", m_film.path, "replace"}, m_load_id))
-        finish_load(rask::engine_failed);
+    QByteArrayList load = {"loadfile", m_film.path, "replace"};
+    if (start > 0)
+        load += "start=" + QByteArray::number(to_seconds(start), 'f', 3);
+    if (!m_core->command(load, m_load_id))
+        fail_load();
 }
 
 void Playback::finish_load(RaskStatus status)
@@ -518,12 +579,25 @@ void Playback::finish_load(RaskStatus status)
     const std::shared_ptr<Answer> answer = std::exchange(m_load_answer, nullptr);
     if (status == rask::ok) {
         enter(Phase::Ready);
+        // Until a film has been heard nobody waits for the sound to be opened: it joins the first frame.
+        if (m_sound.trust(Clock::now()) == SoundWatch::Trust::Unsure && m_film.audio_streams > 0)
+            m_core->use_sound(true);
         report_state(PlayerState::Prepared);
     } else {
         do_stop();
     }
     if (answer)
         answer->give(status);
+}
+
+void Playback::fail_load()
+{
+    if (m_phase == Phase::Loading) {
+        finish_load(rask::engine_failed);
+    } else {
+        report_error(rask::engine_failed);
+        enter(Phase::Broken);
+    }
 }
 
 RaskStatus Playback::do_stop()
@@ -546,6 +620,7 @@ RaskStatus Playback::do_stop()
     m_started = false;
     m_at_end = false;
     m_scan_reached_end = false;
+    m_sound_track = 0;
     m_speed_step = normal_speed_step;
     m_speed = speed_steps[m_speed_step];
     if (m_core && had_film) {

@@ -3,6 +3,7 @@
 #include "background_task.h"
 #include "engine_core.h"
 #include "media_callback.h"
+#include "sound_watch.h"
 #include "speed_steps.h"
 
 #include <QByteArray>
@@ -111,7 +112,9 @@ private:
     void check_deadlines();
 
     bool ensure_core();
-    void abandon_core();
+    void abandon_core(std::chrono::milliseconds patience);
+    void replace_core();
+    void go_on_without_sound();
     void apply_settings();
 
     void handle(const mpv_event& event);
@@ -122,10 +125,12 @@ private:
     void on_restart();
     void ask_position();
     void on_position(std::optional<Time> position);
+    void on_sound_clock(std::optional<double> buffered);
 
     void do_load(const Film& film, std::shared_ptr<Answer> answer);
-    void send_load();
+    void send_load(Time start = 0);
     void finish_load(RaskStatus status);
+    void fail_load();
     RaskStatus do_stop();
     RaskStatus do_play();
     RaskStatus do_pause();
@@ -172,6 +177,10 @@ private:
     Time m_position = 0;
     Deadline m_position_tick;      ///< while playing
     bool m_position_asked = false; ///< the library owes an answer
+
+    SoundWatch m_sound;
+    std::optional<double> m_sound_clock; ///< the newest answer
+    int m_sound_track = 0;               ///< chosen for this film; 0 when the library chooses
 
     std::shared_ptr<Answer> m_load_answer;
     std::uint64_t m_load_id = 0;

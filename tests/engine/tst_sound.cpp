@@ -1,0 +1,380 @@
+#include "bench.h"
+#include "sound_output.h"
+#include "sound_server.h"
+#include "test_main.h"
+
+#include <QLocalServer>
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <atomic>
+#include <thread>
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+constexpr double first_tone = 440.0; ///< hertz, of all films
+constexpr double second_tone = 880.0;
+
+constexpr int audible = SoundServer::audible;
+
+/// How fast the film runs while it moves on by @p film_time: 1 is real time, 0 that it did not get there.
+double rate_over(Bench& bench, Time film_time)
+{
+    QElapsedTimer clock;
+    clock.start();
+    const Time from = bench.recorder.position();
+    if (!bench.runs_on(film_time))
+        return 0;
+    return static_cast<double>(bench.recorder.position() - from) / static_cast<double>(clock.elapsed());
+}
+
+bool is_real_time(double rate)
+{
+    return rate > 0.8 && rate < 1.2;
+}
+
+/// The tone in each twentieth of a second, in hertz; 0 where there is silence (for a part of it).
+std::vector<double> tones(const std::vector<qint16>& sound)
+{
+    constexpr std::size_t length = SoundServer::rate / 20;
+    constexpr std::size_t quiet_length = length / 20;
+    std::vector<double> result;
+    for (std::size_t begin = 0; begin + length <= sound.size(); begin += length) {
+        std::size_t first = 0;
+        std::size_t last = 0;
+        int rises = 0;
+        std::size_t quiet = 0;
+        bool heard = true;
+        for (std::size_t index = begin + 1; index < begin + length; ++index) {
+            quiet = std::abs(int{sound[index]}) < audible / 4 ? quiet + 1 : 0;
+            heard = heard && quiet < quiet_length;
+            if (sound[index - 1] < 0 && sound[index] >= 0) {
+                last = index;
+                if (rises++ == 0)
+                    first = index;
+            }
+        }
+        result.push_back(
+            heard && rises > 1 ? (rises - 1) * double{SoundServer::rate} / static_cast<double>(last - first) : 0.0);
+    }
+    return result;
+}
+
+/// The tone that is heard for most of the time.
+double usual_tone(const std::vector<qint16>& sound)
+{
+    std::vector<double> heard = tones(sound);
+    std::erase(heard, 0.0);
+    if (heard.empty())
+        return 0;
+    std::nth_element(heard.begin(), heard.begin() + static_cast<std::ptrdiff_t>(heard.size() / 2), heard.end());
+    return heard[heard.size() / 2];
+}
+
+/// Listens where a sound server would, and treats all callers alike.
+class FalseServer
+{
+public:
+    enum class Manner { NeverAnswers, HangsUp };
+
+    explicit FalseServer(Manner manner) : m_manner(manner)
+    {
+        if (!m_server.listen(m_directory.filePath(QStringLiteral("sound"))))
+            qFatal("cannot listen");
+        m_thread = std::thread([this] { serve(); });
+    }
+    ~FalseServer()
+    {
+        m_over = true;
+        m_thread.join();
+        for (const int line : m_lines)
+            ::close(line);
+    }
+    QByteArray address() const { return "unix:" + QFile::encodeName(m_server.fullServerName()); }
+    int callers() const { return m_callers; }
+
+private:
+    void serve()
+    {
+        while (!m_over) {
+            pollfd caller{static_cast<int>(m_server.socketDescriptor()), POLLIN, 0};
+            if (::poll(&caller, 1, 20) <= 0)
+                continue;
+            const int line = ::accept4(caller.fd, nullptr, nullptr, SOCK_CLOEXEC);
+            if (line < 0)
+                continue;
+            ++m_callers;
+            if (m_manner == Manner::HangsUp)
+                ::close(line);
+            else
+                m_lines.push_back(line);
+        }
+    }
+
+    const Manner m_manner;
+    QTemporaryDir m_directory;
+    QLocalServer m_server;
+    std::atomic<bool> m_over = false;
+    std::atomic<int> m_callers = 0;
+    std::vector<int> m_lines; ///< the thread's own
+    std::thread m_thread;
+};
+
+/// An ALSA configuration whose default device is the stand-in that answers in this way.
+QByteArray alsa_device(const char* manner)
+{
+    return QByteArray("pcm_type.") + manner + " { lib \"" + TAVEL_ALSA_STAND_IN + "\" }\npcm.!default { type " +
+           manner + " }\n";
+}
+
+void write_file(const QString& path)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+}
+
+} // namespace
+
+/// What a film does with its sound: what is heard, and that it keeps its time whatever the sound system does.
+class TstSound : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void the_sound_of_a_film_is_heard()
+    {
+        NEEDS_SOUND_SERVER();
+        SoundServer server;
+        QVERIFY(server.start());
+        const SoundSystem system(server.address());
+        Bench bench;
+        for (const char* film : {"minute.mp4", "minute.mp4"}) { // the second film finds the sound at work
+            server.forget();
+            bench.recorder.clear();
+            QVERIFY(bench.start(test_films::path(film)));
+            QTRY_VERIFY(std::abs(usual_tone(server.heard()) - first_tone) < 5);
+            QVERIFY(is_real_time(rate_over(bench, 3000)));
+        }
+    }
+
+    void the_tone_stays_at_every_speed()
+    {
+        NEEDS_SOUND_SERVER();
+        SoundServer server;
+        QVERIFY(server.start());
+        const SoundSystem system(server.address());
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        while (bench.player.set_speed(static_cast<int>(SpeedCode::Down)) == rask::ok) {
+        }
+        std::vector<int> speeds;
+        do {
+            speeds.push_back(bench.player.get_speed());
+            // What is on its way to the loudspeaker still has the speed of before.
+            server.forget();
+            QTRY_VERIFY(server.heard().size() > SoundServer::rate);
+            server.forget();
+            QTRY_VERIFY(server.heard().size() > SoundServer::rate);
+            const std::vector<qint16> sound = server.heard();
+            QVERIFY2(server.loudness() > audible, qPrintable(QString::number(server.loudness())));
+            const double tone = usual_tone(sound);
+            QVERIFY2(std::abs(tone - first_tone) < 15,
+                     qPrintable(QStringLiteral("%1 hertz at %2 percent").arg(tone).arg(speeds.back())));
+        } while (bench.player.set_speed(static_cast<int>(SpeedCode::Up)) == rask::ok);
+        QCOMPARE(speeds, std::vector<int>({50, 75, 100, 125, 150, 175, 200}));
+    }
+
+    void another_sound_track_is_heard_within_half_a_second()
+    {
+        NEEDS_SOUND_SERVER();
+        SoundServer server;
+        QVERIFY(server.start());
+        const SoundSystem system(server.address());
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("two_sounds.mkv")));
+        QTRY_VERIFY(std::abs(usual_tone(server.heard()) - first_tone) < 5);
+        server.forget();
+        QCOMPARE(bench.player.select_stream(2, 2), rask::ok);
+        const auto is_second = [](double tone) { return std::abs(tone - second_tone) < 20; };
+        const auto heard = [&] {
+            const std::vector<double> all = tones(server.heard());
+            return std::count_if(all.begin(), all.end(), is_second) >= 5;
+        };
+        QTRY_VERIFY(heard());
+        const std::vector<double> all = tones(server.heard());
+        const auto arrived = std::find_if(all.begin(), all.end(), is_second);
+        // Twentieths of a second in which neither track is heard.
+        const auto gap = std::count(all.begin(), arrived, 0.0);
+        QVERIFY2(gap < 10, qPrintable(QString::number(gap)));
+    }
+
+    void the_volume_is_heard()
+    {
+        NEEDS_SOUND_SERVER();
+        SoundServer server;
+        QVERIFY(server.start());
+        const SoundSystem system(server.address());
+        set_application_volume(40);
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        const auto becomes = [&](auto condition) {
+            return QTest::qWaitFor(
+                [&] {
+                    server.forget();
+                    return QTest::qWaitFor([&] { return server.heard().size() > SoundServer::rate / 5; }, 10000) &&
+                           condition(server.loudness());
+                },
+                20000);
+        };
+        QVERIFY(becomes([](int loudest) { return loudest > 2 * audible; }));
+        set_application_volume(20);
+        QVERIFY(becomes([](int loudest) { return loudest > 20 && loudest < audible; }));
+        set_application_volume(0);
+        QVERIFY(becomes([](int loudest) { return loudest == 0; }));
+        set_application_volume(40);
+        QVERIFY(becomes([](int loudest) { return loudest > 2 * audible; }));
+    }
+
+    void without_any_sound_device_a_film_plays_in_real_time()
+    {
+        const SoundSystem nothing;
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        QVERIFY(bench.runs_on(200));
+        const double rate = rate_over(bench, 3000);
+        QVERIFY2(is_real_time(rate), qPrintable(QString::number(rate)));
+        bench.recorder.clear();
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        QVERIFY(bench.runs_on(200));
+        const double second_rate = rate_over(bench, 3000);
+        QVERIFY2(is_real_time(second_rate), qPrintable(QString::number(second_rate)));
+    }
+
+    void a_busy_sound_device_leaves_the_film_its_time()
+    {
+        const SoundSystem system({}, alsa_device("busy"));
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        QVERIFY(bench.runs_on(200));
+        const double rate = rate_over(bench, 3000);
+        QVERIFY2(is_real_time(rate), qPrintable(QString::number(rate)));
+    }
+
+    void a_sound_device_that_does_not_come_back_leaves_the_film_its_time()
+    {
+        const SoundSystem system({}, alsa_device("stuck"));
+        const qsizetype threads = Bench::settled_count("task");
+        QTemporaryDir directory;
+        const QString gate = directory.filePath(QStringLiteral("gate"));
+        qputenv("TAVEL_ALSA_GATE", QFile::encodeName(gate));
+        double rate = 0;
+        {
+            Bench bench;
+            if (bench.start(test_films::path("minute.mp4")) && bench.runs_on(200))
+                rate = rate_over(bench, 3000);
+        }
+        write_file(gate);
+        QVERIFY2(is_real_time(rate), qPrintable(QString::number(rate)));
+        // What was left behind ends once the device has come back.
+        QTRY_COMPARE(Bench::count("task"), threads);
+        qunsetenv("TAVEL_ALSA_GATE");
+    }
+
+    void a_sound_server_that_hangs_up_leaves_the_film_its_time()
+    {
+        const FalseServer server(FalseServer::Manner::HangsUp);
+        const SoundSystem system(server.address());
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        QVERIFY(bench.runs_on(200));
+        const double rate = rate_over(bench, 3000);
+        QVERIFY2(is_real_time(rate), qPrintable(QString::number(rate)));
+        QVERIFY(server.callers() > 0);
+    }
+
+    void a_sound_server_that_never_answers_leaves_the_film_its_time()
+    {
+        const FalseServer server(FalseServer::Manner::NeverAnswers);
+        const SoundSystem system(server.address());
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        // The first film waits for the sound for a moment, the next one does not.
+        QVERIFY(bench.runs_on(200));
+        QVERIFY(server.callers() > 0);
+        const double rate = rate_over(bench, 3000);
+        QVERIFY2(is_real_time(rate), qPrintable(QString::number(rate)));
+        QTRY_VERIFY(bench.frame() > 20);
+        const int callers = server.callers();
+        bench.recorder.clear();
+        QVERIFY(bench.start(test_films::path("h264.mp4")));
+        QVERIFY(bench.recorder.wait_for_reports(5, 20s));
+        QCOMPARE(server.callers(), callers);
+    }
+
+    void a_film_plays_on_when_the_sound_server_goes_away()
+    {
+        NEEDS_SOUND_SERVER();
+        SoundServer server;
+        QVERIFY(server.start());
+        const SoundSystem system(server.address());
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        QTRY_VERIFY(server.loudness() > audible);
+        server.kill();
+        const double rate = rate_over(bench, 4000);
+        QVERIFY2(is_real_time(rate), qPrintable(QString::number(rate)));
+        // Once it has come back the next film is heard.
+        QVERIFY(server.start());
+        server.forget();
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        QTRY_VERIFY(server.loudness() > audible);
+    }
+
+    void a_film_plays_on_when_the_sound_server_stands_still()
+    {
+        NEEDS_SOUND_SERVER();
+        SoundServer server;
+        QVERIFY(server.start());
+        const SoundSystem system(server.address());
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        QTRY_VERIFY(server.loudness() > audible);
+        server.freeze();
+        QVERIFY(bench.runs_on(3000));
+        const double rate = rate_over(bench, 3000);
+        QVERIFY2(is_real_time(rate), qPrintable(QString::number(rate)));
+        // Speed, pause and seeks are those of before.
+        QCOMPARE(bench.player.set_speed(static_cast<int>(SpeedCode::Up)), rask::ok);
+        QVERIFY(bench.seek(40000));
+        QVERIFY(bench.runs_on(500));
+        QVERIFY(bench.recorder.position() > 40000 && bench.recorder.position() < 50000);
+        QVERIFY(!bench.recorder.reports().join(u' ').contains(QStringLiteral("error")));
+    }
+
+    void speed_and_track_outlive_a_sound_server_that_stands_still()
+    {
+        NEEDS_SOUND_SERVER();
+        SoundServer server;
+        QVERIFY(server.start());
+        const SoundSystem system(server.address());
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        QTRY_VERIFY(server.loudness() > audible);
+        while (bench.player.set_speed(static_cast<int>(SpeedCode::Up)) == rask::ok) {
+        }
+        QVERIFY(bench.seek(20000));
+        QVERIFY(bench.runs_on(500));
+        server.freeze();
+        QVERIFY(bench.runs_on(5000));
+        QVERIFY(bench.recorder.position() > 25000);
+        const double rate = rate_over(bench, 6000);
+        QVERIFY2(is_real_time(rate / 2), qPrintable(QString::number(rate)));
+    }
+};
+
+TAVEL_TEST_MAIN(TstSound)
+#include "tst_sound.moc"
