@@ -181,6 +181,8 @@ void Player::play_a_film(const QString& container)
 {
     scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("name"), container);
     hand_over(make_files(1));
+    for (int round = 0; round < 10 && !in(&TavelVideo::play_state); ++round)
+        settle();
     QTRY_VERIFY(in(&TavelVideo::play_state));
     settle();
     clear_log();

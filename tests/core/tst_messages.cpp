@@ -1,5 +1,8 @@
 #include "config.h"
+#include "device_screen.h"
 #include "player.h"
+#include "printed_text.h"
+#include "qcop_envelope.h"
 #include "qpe_application.h"
 #include "test_main.h"
 #include "vesk_socket.h"
@@ -156,6 +159,53 @@ private slots:
         QCOMPARE(player->playlist()->get_count(), 1);
     }
 
+    void a_list_is_on_the_disk_at_once()
+    {
+        const QStringList files = player->make_files(3);
+        player->hand_over(files);
+        Config stored(QPEApplication::qpeDir() + QStringLiteral("etc/tavel_video/playlist.dat"), Config::File);
+        stored.setGroup(QStringLiteral("Playlist"));
+        QCOMPARE(stored.readListEntry(QStringLiteral("files")), files);
+    }
+
+    void a_list_closes_the_file_manager_and_the_window_takes_over()
+    {
+        player->post(player_event::open_browser);
+        player->settle();
+        QVERIFY(DeviceScreen::instance()->is_active(player->file_manager()));
+        player->hand_over({QStringLiteral("/a.avi")});
+        QVERIFY(!player->file_manager()->isVisible());
+        QVERIFY(DeviceScreen::instance()->is_active(player->window()));
+        QVERIFY(player->window()->focusWidget());
+        QCOMPARE(player->playlist()->get_current_index(), 0);
+    }
+
+    void a_new_list_starts_from_the_beginning()
+    {
+        player->play_a_film();
+        scripted_engine::run_to(6000);
+        player->window()->receive_socket_message(QStringLiteral("STOP"));
+        QVERIFY(player->in(&TavelVideo::stop_state));
+        player->clear_log();
+        player->hand_over(player->make_files(2));
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        player->settle();
+        QVERIFY(player->log_of({"seek"}).isEmpty());
+        QCOMPARE(player->window()->position(), Time(0));
+    }
+
+    void the_first_new_entry_is_under_the_cursor_wherever_it_was_before()
+    {
+        player->hand_over(player->make_files(3));
+        player->settle();
+        player->playlist()->set_current_index(2);
+        player->settle();
+        player->window()->open_playlist_browser();
+        player->hand_over({QStringLiteral("/x"), QStringLiteral("/y")});
+        QCOMPARE(player->playlist()->get_current_index(), 3);
+        QCOMPARE(player->playlist()->get_filename(3), QStringLiteral("/x"));
+    }
+
     void a_list_that_comes_while_one_is_added_waits_its_turn()
     {
         player->at_next_notice([&] { player->hand_over({QStringLiteral("/later")}); });
@@ -199,6 +249,94 @@ private slots:
         QVERIFY(player->log().isEmpty());
     }
 
+    void damaged_arguments_are_said_in_one_line_and_change_nothing_data()
+    {
+        QTest::addColumn<QByteArray>("message");
+        QTest::addColumn<QByteArray>("arguments");
+        const QByteArray list("transmit_filename(QString)");
+        const QByteArray path = argument(QStringLiteral("/a.avi\n"));
+        QTest::newRow("nothing") << list << QByteArray();
+        QTest::newRow("half a length") << list << path.left(3);
+        QTest::newRow("a length alone") << list << path.left(4);
+        QTest::newRow("half a text") << list << path.chopped(5);
+        QTest::newRow("half a character") << list << path.chopped(1);
+        QTest::newRow("a length of 4 GB") << list << QByteArray("\xFF\xFF\xFF\xF0", 4) + path.mid(4);
+        QTest::newRow("an odd length") << list << QByteArray("\x00\x00\x00\x03", 4) + path.mid(4);
+        QTest::newRow("no screen") << QByteArray("DoScreenChange(unsigned char)") << QByteArray();
+    }
+    void damaged_arguments_are_said_in_one_line_and_change_nothing()
+    {
+        QFETCH(QByteArray, message);
+        QFETCH(QByteArray, arguments);
+        player->play_a_film();
+        const QString file = player->playlist()->get_filename(0);
+        QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!tavel_video: the argument of)")));
+        QTest::ignoreMessage(QtWarningMsg, "tavel_video: the argument of \"" + message + "\" cannot be read");
+        player->window()->receive_message(message, arguments);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::play_state));
+        QCOMPARE(player->playlist()->get_count(), 1);
+        QCOMPARE(player->playlist()->get_filename(0), file);
+        QVERIFY(!player->window()->is_tv_out());
+        QVERIFY(player->log().isEmpty());
+    }
+
+    void what_is_not_ours_is_ignored_without_a_word_data()
+    {
+        QTest::addColumn<QByteArray>("message");
+        for (const char* message :
+             {"", "transmit_filename", "transmit_filename(QString) ", "Transmit_Filename(QString)",
+              "DoScreenChange(int)", "timeChange()", "QPE/Brevaton/video", "%s%n%n%n"})
+            QTest::newRow(message) << QByteArray(message);
+        QTest::newRow("a long one") << QByteArray(1 << 20, 'x');
+        QTest::newRow("with a zero") << QByteArray("timeChange(QString)\0", 20);
+    }
+    void what_is_not_ours_is_ignored_without_a_word()
+    {
+        QFETCH(QByteArray, message);
+        player->play_a_film();
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
+        player->window()->receive_message(message, argument(QStringLiteral("/a.avi\n")));
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::play_state));
+        QCOMPARE(player->playlist()->get_count(), 1);
+        QVERIFY(player->log().isEmpty());
+    }
+
+    void what_follows_the_argument_is_not_looked_at()
+    {
+        player->window()->receive_message("transmit_filename(QString)",
+                                          argument(QStringLiteral("/a.avi\n")) + QByteArray(1000, '\xFF'));
+        QCOMPARE(player->playlist()->get_count(), 1);
+        QCOMPARE(player->playlist()->get_filename(0), QStringLiteral("/a.avi"));
+    }
+
+    void a_hostile_list_ends_in_a_notice_and_the_player_goes_on_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("a megabyte") << u'/' + QString(1 << 20, u'x');
+        QTest::newRow("a zero") << QString(QStringLiteral("/a\0b.avi"));
+        QTest::newRow("half a surrogate pair") << QStringLiteral("/a") + QChar(0xD83C) + QStringLiteral(".avi");
+        QTest::newRow("upwards") << QStringLiteral("../../../../../../etc/passwd");
+        QTest::newRow("a device") << QStringLiteral("/dev/zero");
+        QTest::newRow("formats") << QStringLiteral("/%s%n%1%2.avi");
+        QTest::newRow("a command") << QStringLiteral("/$(reboot);`reboot`|reboot.avi");
+    }
+    void a_hostile_list_ends_in_a_notice_and_the_player_goes_on()
+    {
+        QFETCH(QString, path);
+        // No film is behind such a name.
+        scripted_engine::set_next_result(QStringLiteral("open"), rask::engine_failed);
+        player->at_next_notice();
+        player->hand_over({path});
+        QTRY_COMPARE(player->notices().size(), 1);
+        player->settle();
+        QCOMPARE(player->playlist()->get_count(), 0);
+        QVERIFY(player->in(&TavelVideo::no_file_state));
+        player->play_a_film();
+        QCOMPARE(player->playlist()->get_count(), 1);
+    }
+
     void unknown_and_unreadable_messages_are_ignored()
     {
         player->play_a_film();
@@ -233,14 +371,78 @@ private slots:
         QTRY_COMPARE(player->log_of({"seek"}), QStringList(QStringLiteral("seek 3 6000")));
     }
 
-    void navi_start_stops_and_is_answered_too()
+    void navi_start_stops_answers_and_keeps_the_place_too()
     {
         connect_navigation();
         play_with_navigation();
+        scripted_engine::run_to(6000);
         say("NAVI_START");
         QTRY_VERIFY(heard.contains("OK\n"));
         QVERIFY(player->in(&TavelVideo::stop_state));
         QCOMPARE(heard.count("OK\n"), 1);
+        player->clear_log();
+        player->post(player_event::play);
+        QTRY_VERIFY(heard.endsWith("STOP\n"));
+        say("OK");
+        QTRY_COMPARE(player->log_of({"seek"}), QStringList(QStringLiteral("seek 3 6000")));
+    }
+
+    void which_texts_are_acted_on_before_the_next_one_is_read_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("at_once");
+        for (const char* text : {"STOP", "PAUSE", "AUDIO_PAUSE", "anything else", ""})
+            QTest::newRow(text) << QString::fromLatin1(text) << true;
+        for (const char* text : {"OK", "NAVI_START"})
+            QTest::newRow(text) << QString::fromLatin1(text) << false;
+    }
+    void which_texts_are_acted_on_before_the_next_one_is_read()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, at_once);
+        player->play_a_film();
+        player->post(player_event::leave_full_screen);
+        player->window()->receive_socket_message(text);
+        QCOMPARE(!player->window()->is_full_screen(), at_once);
+        if (text == QStringLiteral("STOP"))
+            QVERIFY(player->in(&TavelVideo::stop_state));
+        else if (text.endsWith(QStringLiteral("PAUSE")))
+            QVERIFY(player->in(&TavelVideo::pause_state));
+        else
+            QVERIFY(player->in(&TavelVideo::play_state));
+    }
+
+    void a_resume_is_acted_on_before_the_next_text_is_read_data()
+    {
+        QTest::addColumn<QString>("text");
+        for (const char* text : {"RESUME", "AUDIO_RESUME"})
+            QTest::newRow(text) << QString::fromLatin1(text);
+    }
+    void a_resume_is_acted_on_before_the_next_text_is_read()
+    {
+        QFETCH(QString, text);
+        player->play_a_film();
+        player->window()->receive_socket_message(QStringLiteral("PAUSE"));
+        QVERIFY(player->in(&TavelVideo::pause_state));
+        player->window()->receive_socket_message(text);
+        QVERIFY(player->in(&TavelVideo::play_state));
+    }
+
+    void texts_are_known_to_the_letter_data()
+    {
+        QTest::addColumn<QString>("text");
+        for (const char* text :
+             {"stop", "STOP ", " STOP", "STOPP", "STO", "PAUSE\r", "Pause", "NAVI_STOP", "NAVI START"})
+            QTest::newRow(text) << QString::fromLatin1(text);
+    }
+    void texts_are_known_to_the_letter()
+    {
+        QFETCH(QString, text);
+        player->play_a_film();
+        player->window()->receive_socket_message(text);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::play_state));
+        QVERIFY(player->log().isEmpty());
     }
 
     void stop_and_start_with_nothing_loaded_are_answered_at_once_data()
@@ -362,6 +564,31 @@ private slots:
         QTRY_COMPARE(heard.count("OK\n"), 1);
     }
 
+    void resume_is_not_answered_when_the_engine_cannot_tell()
+    {
+        connect_navigation();
+        play_with_navigation();
+        scripted_engine::set_busy(false);
+        scripted_engine::set_result(QStringLiteral("query"), rask::engine_failed);
+        say("RESUME");
+        flush_socket();
+        QCOMPARE(heard.count("OK\n"), 0);
+        QVERIFY(scripted_engine::full_log().contains(QStringLiteral("query 5")));
+    }
+
+    void resume_leaves_the_menu_timer_alone_where_the_menu_stays()
+    {
+        connect_navigation();
+        play_with_navigation();
+        player->combo("display_combo_menutime")->setCurrentIndex(0);
+        player->post(player_event::leave_full_screen);
+        player->post(player_event::pause);
+        player->settle();
+        say("RESUME");
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        QVERIFY(!player->timer("menu_timer")->isActive());
+    }
+
     void resume_starts_the_menu_timer_when_the_controls_are_shown()
     {
         connect_navigation();
@@ -443,6 +670,45 @@ private slots:
         QCOMPARE(player->log(), QStringList(QStringLiteral("set_application_volume 7")));
     }
 
+    void a_volume_chosen_before_the_film_is_the_films()
+    {
+        player->control_bar()->set_volume(27);
+        QVERIFY(player->log_of({"set_application_volume"}).isEmpty());
+        player->clear_log();
+        player->hand_over(player->make_files(1));
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        QCOMPARE(player->log_of({"set_application_volume"}).value(0), QStringLiteral("set_application_volume 27"));
+        // Afterwards the sound is the system's again.
+        player->post(player_event::stop);
+        player->settle();
+        QCOMPARE(player->log_of({"set_application_volume"}).last(), QStringLiteral("set_application_volume 1"));
+    }
+
+    void the_screen_is_kept_on_while_a_film_plays_and_only_then()
+    {
+        const auto said = [&] {
+            const QStringList lines =
+                player->log_of({"qcop QPE/System releaseLCDOff", "qcop QPE/System preventLCDOff"});
+            player->clear_log();
+            return lines;
+        };
+        const QString prevent = QStringLiteral("qcop QPE/System preventLCDOff()");
+        const QString release = QStringLiteral("qcop QPE/System releaseLCDOff()");
+        QVERIFY(said().isEmpty());
+        player->hand_over(player->make_files(1));
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        QCOMPARE(said(), QStringList(prevent));
+        player->post(player_event::pause);
+        player->settle();
+        QCOMPARE(said(), QStringList(release));
+        player->post(player_event::play);
+        player->settle();
+        QCOMPARE(said(), QStringList(prevent));
+        player->post(player_event::stop);
+        player->settle();
+        QCOMPARE(said(), QStringList(release));
+    }
+
     void the_volume_is_kept_for_the_next_start()
     {
         player->control_bar()->set_volume(33);
@@ -463,8 +729,10 @@ private slots:
     void the_screen_applet_hears_of_the_film()
     {
         player->clear_log();
+        PrintedText printed;
         player->window()->send_screenchageapplet(true);
         player->window()->send_screenchageapplet(false);
+        QCOMPARE(printed.take(), QByteArray("tavel video send message =1\ntavel video send message =0\n"));
         QCOMPARE(player->log(), QStringList({"qcop QPE/Applet/screenchage videoWindowActivate(unsigned char) 1",
                                              "qcop QPE/Applet/screenchage videoWindowActivate(unsigned char) 0"}));
     }
@@ -498,6 +766,14 @@ private:
     void send_list(const QString& list)
     {
         player->message("transmit_filename(QString)", [&](QDataStream& stream) { stream << list; });
+    }
+    static QByteArray argument(const QString& text)
+    {
+        QByteArray data;
+        QDataStream stream(&data, QIODevice::WriteOnly);
+        stream.setVersion(QCopEnvelope::stream_version);
+        stream << text;
+        return data;
     }
     void send_screen(int screen)
     {
