@@ -164,6 +164,32 @@ private slots:
         QCOMPARE(player->subtitle()->font().pixelSize(), 28);
     }
 
+    void on_the_tv_the_subtitle_is_broken_at_words_at_the_top_in_the_middle()
+    {
+        const char* const text = "one long line of words that does not fit on a single line of the television";
+        scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("subtitle_streams"), QStringLiteral("1"));
+        scripted_engine::set_subtitles(0, {{1000, 3000, text}});
+        player->play_a_film();
+        player->post(player_event::switch_screen);
+        player->settle();
+        scripted_engine::run_to(2000);
+        player->settle();
+        SubtitleControl expected(nullptr, "expected", 0);
+        expected.setAttribute(Qt::WA_DontShowOnScreen);
+        expected.setFont(device_font(QStringLiteral("v28"), 28, 50));
+        expected.setGeometry(0, 0, 640, 124);
+        expected.set_location(static_cast<SubtitleLocation>(player->settings()->get_subtitle_location()));
+        expected.set_text_color(player->settings()->get_subtitle_color(), true);
+        const std::vector<Subtitle> lines{{1000, 3000, text}};
+        expected.set_subtitle(&lines);
+        expected.show();
+        expected.set_align(Qt::TextWordWrap | Qt::AlignTop | Qt::AlignHCenter);
+        QVERIFY(expected.update(2000));
+        expected.draw();
+        QCOMPARE(player->subtitle()->background_pixmap().toImage(), expected.background_pixmap().toImage());
+        expected.set_subtitle(nullptr);
+    }
+
     void the_three_sizes_are_three_fonts_data()
     {
         QTest::addColumn<int>("choice");
@@ -282,6 +308,67 @@ private slots:
         QCOMPARE(player->window()->focusWidget(), player->bookmarks());
     }
 
+    void an_open_list_is_not_opened_again()
+    {
+        player->play_a_film();
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        player->window()->show_playlist();
+        player->playlist()->focus_filelist();
+        const QWidget* const list = player->window()->focusWidget();
+        player->playlist()->showFocus(QStringLiteral("close"));
+        player->window()->show_playlist();
+        QCOMPARE(player->window()->focusWidget(), list);
+        QCOMPARE(player->playlist()->focusButton()->name(), QStringLiteral("close"));
+        player->window()->show_bookmark();
+        player->bookmarks()->showFocus(QStringLiteral("close"));
+        player->window()->show_bookmark();
+        QCOMPARE(player->bookmarks()->focusButton()->name(), QStringLiteral("close"));
+    }
+
+    void closing_a_list_that_is_not_open_does_nothing()
+    {
+        player->window()->show_bookmark();
+        const QRect beside = player->subtitle()->geometry();
+        player->window()->hide_playlist();
+        QVERIFY(player->bookmarks()->isVisible());
+        QCOMPARE(player->subtitle()->geometry(), beside);
+        QCOMPARE(player->window()->focusWidget(), player->bookmarks());
+        player->window()->show_playlist();
+        player->window()->hide_bookmark();
+        QVERIFY(player->playlist()->isVisible());
+        QCOMPARE(player->subtitle()->width(), 288);
+        QCOMPARE(player->window()->focusWidget(), player->playlist());
+    }
+
+    void the_subtitle_is_drawn_anew_beside_each_panel()
+    {
+        scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("subtitle_streams"), QStringLiteral("1"));
+        scripted_engine::set_subtitles(0, {{1000, 3000, "one"}});
+        player->play_a_film();
+        scripted_engine::run_to(2000);
+        player->settle();
+        const auto shows_a_text = [&] {
+            const QImage now = player->subtitle()->background_pixmap().toImage().convertToFormat(QImage::Format_ARGB32);
+            for (int y = 0; y < now.height(); ++y)
+                for (int x = 0; x < now.width(); ++x)
+                    if (now.pixelColor(x, y).alpha() > 200)
+                        return true;
+            return false;
+        };
+        QVERIFY(shows_a_text());
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        QVERIFY(shows_a_text());
+        for (const char* button : {"listopen", "bookmark_list", "bookmark_list", "listopen", "listopen"}) {
+            player->control_event(button);
+            QVERIFY2(shows_a_text(), button);
+        }
+        player->post(player_event::enter_full_screen);
+        player->settle();
+        QVERIFY(shows_a_text());
+    }
+
     void the_panels_close_by_their_own_buttons()
     {
         player->window()->show_playlist();
@@ -299,6 +386,26 @@ private slots:
         emit player->bookmarks()->selected_file_play(player->playlist()->get_filename(0), 7000);
         player->settle();
         QCOMPARE(player->log_of({"seek", "open"}), QStringList(QStringLiteral("seek 4 7000")));
+    }
+
+    void a_bookmark_of_a_playing_film_that_cannot_be_sought_in_does_nothing()
+    {
+        player->play_a_film(QStringLiteral("MPEG"));
+        EventCounter counter(player->window());
+        emit player->bookmarks()->selected_file_play(player->playlist()->get_filename(0), 7000);
+        player->settle();
+        QVERIFY(counter.numbers.isEmpty());
+        QVERIFY(player->in(&TavelVideo::play_state));
+    }
+
+    void a_bookmark_reaches_the_end_of_an_unsigned_number()
+    {
+        player->play_a_film();
+        EventCounter counter(player->window());
+        emit player->bookmarks()->selected_file_play(player->playlist()->get_filename(0), 4'294'967'295U);
+        QCoreApplication::sendPostedEvents(player->window());
+        QCOMPARE(counter.seeks.size(), 1);
+        QCOMPARE(counter.seeks[0].target_ms, Time(4'294'967'295LL));
     }
 
     void a_bookmark_of_another_film_plays_it_from_there()
@@ -373,6 +480,24 @@ private slots:
         player->post(player_event::refresh_buttons);
         player->settle();
         QCOMPARE(player->log_of({"set_speed"}), QStringList(QStringLiteral("set_speed 1")));
+    }
+
+    void shown_controls_keep_the_speed_and_restart_the_passage()
+    {
+        player->play_a_film();
+        for (const char* setting : {"playback_combo_playwithspeed", "playback_combo_repeat_mode"})
+            player->combo(setting)->setCurrentIndex(0);
+        player->post(player_event::refresh_buttons);
+        player->post(player_event::repeat_ab);
+        player->settle();
+        QVERIFY(player->shows("repeatB") && !player->shows("repeatA"));
+        EventCounter counter(player->window());
+        player->post(player_event::refresh_buttons);
+        player->settle();
+        QCOMPARE(counter.numbers, QList<int>({2200}));
+        QVERIFY(player->shows("repeatA") && !player->shows("repeatB") && !player->shows("repeatAB"));
+        auto* const slider = player->time_bar()->findChild<SliderSkin*>();
+        QVERIFY(!slider->marker(SliderSkin::Marker::A));
     }
 
     void hiding_the_repeat_controls_releases_the_passage()

@@ -2,6 +2,7 @@
 #include "device_screen.h"
 #include "global.h"
 #include "player.h"
+#include "printed_text.h"
 #include "qpe_application.h"
 #include "test_main.h"
 
@@ -210,6 +211,126 @@ private slots:
         QVERIFY(player->title_bar()->isVisible());
     }
 
+    void each_list_panel_comes_back_after_the_switch_data()
+    {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("panel");
+        QTest::newRow("playlist") << QStringLiteral("listopen") << QStringLiteral("PLAYLIST");
+        QTest::newRow("bookmarks") << QStringLiteral("bookmark_list") << QStringLiteral("BOOKMARK");
+    }
+    void each_list_panel_comes_back_after_the_switch()
+    {
+        QFETCH(QString, button);
+        QFETCH(QString, panel);
+        player->play_a_film();
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        player->control_event(qPrintable(button));
+        auto* const list = player->window()->findChild<QWidget*>(panel);
+        for (int i = 0; i < 2; ++i) {
+            player->post(player_event::switch_screen);
+            player->settle();
+            QVERIFY(list->isVisible());
+            QVERIFY(!player->window()->is_full_screen());
+        }
+        QCOMPARE(player->subtitle()->width(), panel == QStringLiteral("PLAYLIST") ? 288 : 268);
+    }
+
+    void the_subtitle_on_the_tv_is_a_window_that_takes_no_keys()
+    {
+        player->play_a_film();
+        player->post(player_event::switch_screen);
+        player->settle();
+        QVERIFY(!player->subtitle()->parentWidget());
+        QVERIFY(player->subtitle()->windowFlags().testFlag(Qt::FramelessWindowHint));
+        QCOMPARE(player->subtitle()->focusPolicy(), Qt::NoFocus);
+        QVERIFY(player->subtitle()->isEnabled());
+        player->post(player_event::switch_screen);
+        player->settle();
+        QCOMPARE(player->subtitle()->focusPolicy(), Qt::NoFocus);
+        QVERIFY(player->subtitle()->isEnabled());
+        QVERIFY(player->subtitle()->isVisible());
+    }
+
+    void reports_before_and_after_the_switch_are_acted_on()
+    {
+        player->play_a_film();
+        scripted_engine::set_automatic_reports(false);
+        player->post(player_event::switch_screen);
+        player->settle();
+        EventCounter counter(player->window());
+        scripted_engine::report_state(PlayerState::Paused);
+        player->settle();
+        QCOMPARE(counter.count(player_event::engine_paused), 1);
+    }
+
+    void the_chosen_shape_is_kept_on_both_screens_data()
+    {
+        QTest::addColumn<int>("choice");
+        QTest::newRow("full screen") << 0;
+        QTest::newRow("original") << 1;
+    }
+    void the_chosen_shape_is_kept_on_both_screens()
+    {
+        QFETCH(int, choice);
+        player->play_a_film();
+        player->combo("display_combo_aspect_ratio")->setCurrentIndex(choice);
+        const QString shape = QStringLiteral("set_aspect %1").arg(player->settings()->get_aspect_ratio());
+        for (const char* place : {"set_video_window 0 0 640 480", "set_video_window 0 0 480 272"}) {
+            player->clear_log();
+            player->post(player_event::switch_screen);
+            player->settle();
+            QCOMPARE(player->log_of({"set_"}), QStringList({QString::fromLatin1(place), shape}));
+            player->clear_log();
+            player->window()->reset_display();
+            QCOMPARE(player->log(), QStringList({QString::fromLatin1(place), shape}));
+        }
+    }
+
+    void the_task_bar_and_the_subtitle_move_with_the_controls()
+    {
+        player->play_a_film();
+        player->post(player_event::switch_screen);
+        player->settle();
+        player->clear_log();
+        player->click(Qt::Key_Up);
+        player->click(Qt::Key_Down);
+        player->click(Qt::Key_Down);
+        QCOMPARE(player->log(),
+                 QStringList({"qcop QPE/TaskBar move(int,int) 80 346", "qcop QPE/TaskBar move(int,int) 80 356",
+                              "qcop QPE/TaskBar move(int,int) 80 366"}));
+        QCOMPARE(player->subtitle()->geometry(), QRect(0, 386, 640, 124));
+        QCOMPARE(player->window()->geometry(), QRect(80, 114, 480, 272));
+        // Downwards there is no limit, upwards the step to 110 is kept but not taken.
+        for (int i = 0; i < 40; ++i)
+            player->click(Qt::Key_Down);
+        QCOMPARE(player->window()->y(), 514);
+        for (int i = 0; i < 41 + 11; ++i)
+            player->click(Qt::Key_Up);
+        QCOMPARE(player->window()->y(), 4);
+        player->clear_log();
+        player->click(Qt::Key_Down);
+        QCOMPARE(player->log(), QStringList(QStringLiteral("qcop QPE/TaskBar move(int,int) 80 256")));
+        QCOMPARE(player->window()->y(), 4);
+    }
+
+    void back_on_the_lcd_the_controls_start_from_their_place_again()
+    {
+        player->play_a_film();
+        player->post(player_event::switch_screen);
+        player->settle();
+        for (int i = 0; i < 3; ++i)
+            player->click(Qt::Key_Up);
+        player->post(player_event::switch_screen);
+        player->settle();
+        QCOMPARE(player->settings()->y(), 104);
+        QCOMPARE(player->file_manager()->y(), 104);
+        player->post(player_event::switch_screen);
+        player->settle();
+        player->click(Qt::Key_Up);
+        QCOMPARE(player->window()->y(), 94);
+    }
+
     void a_tv_at_the_start_is_taken_at_once()
     {
         player.reset();
@@ -294,6 +415,89 @@ private slots:
         player->settle();
         QVERIFY(!player->window()->is_full_screen());
         QVERIFY(player->control_bar()->isVisible());
+    }
+
+    void the_information_text_moves_and_keeps_its_size()
+    {
+        player->play_a_film();
+        const QSize size = player->information()->size();
+        QCOMPARE(player->information()->geometry(), QRect(QPoint(0, 0), size));
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        QCOMPARE(player->information()->geometry(), QRect(QPoint(0, 26), size));
+        QVERIFY(player->information()->isVisible());
+    }
+
+    void a_list_panel_hidden_with_the_controls_comes_back_with_them_data()
+    {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("panel");
+        QTest::newRow("playlist") << QStringLiteral("listopen") << QStringLiteral("PLAYLIST");
+        QTest::newRow("bookmarks") << QStringLiteral("bookmark_list") << QStringLiteral("BOOKMARK");
+    }
+    void a_list_panel_hidden_with_the_controls_comes_back_with_them()
+    {
+        QFETCH(QString, button);
+        QFETCH(QString, panel);
+        player->play_a_film();
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        player->control_event(qPrintable(button));
+        auto* const list = player->window()->findChild<QWidget*>(panel);
+        const QRect beside = player->subtitle()->geometry();
+        player->post(player_event::enter_full_screen);
+        player->settle();
+        QVERIFY(!list->isVisible());
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        QVERIFY(list->isVisible());
+        QCOMPARE(player->subtitle()->geometry(), beside);
+        QCOMPARE(player->window()->focusWidget(), list);
+    }
+
+    void the_controls_stay_while_a_film_is_loaded_beside_the_settings()
+    {
+        player->play_a_film();
+        player->post(player_event::open_settings);
+        player->settle();
+        player->hand_over(player->make_files(2));
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        player->settle();
+        QVERIFY(player->settings()->isVisible());
+        QVERIFY(!player->window()->is_full_screen());
+        QVERIFY(player->control_bar()->isVisible());
+    }
+
+    void a_retry_is_printed()
+    {
+        player->play_a_film();
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        QWidget other;
+        other.resize(40, 40);
+        other.show();
+        DeviceScreen::instance()->activate(&other);
+        PrintedText printed;
+        player->post(player_event::enter_full_screen);
+        player->settle();
+        QCOMPARE(printed.take(), QByteArray("tavel video main widget is not active window. so retry fullscreen\n"));
+    }
+
+    void no_retry_is_made_where_the_menu_stays()
+    {
+        player->play_a_film();
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        player->combo("display_combo_menutime")->setCurrentIndex(0);
+        player->timer("menu_timer")->stop();
+        QWidget other;
+        other.resize(40, 40);
+        other.show();
+        DeviceScreen::instance()->activate(&other);
+        player->post(player_event::enter_full_screen);
+        player->settle();
+        QVERIFY(!player->window()->is_full_screen());
+        QVERIFY(!player->timer("menu_timer")->isActive());
     }
 
     void the_controls_stay_while_another_window_is_active_and_it_is_tried_again()
