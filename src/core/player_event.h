@@ -12,7 +12,7 @@ namespace player_event
 enum Number : int {
     play = 2000,              ///< play or resume
     pause = 2001,             ///< hold the picture
-    stop = 2002,              ///< stop, the file stays chosen
+    stop = 2002,              ///< stop, the file stays chosen; carries a KeepPlace, or nothing for the beginning
     seek = 2003,              ///< carries a SeekRequest
     open_browser = 2004,      ///< show the file manager
     open_settings = 2005,     ///< show the settings
@@ -54,6 +54,10 @@ enum Number : int {
     engine_prepared = 3007,   ///< the first frame can be shown
     wait_for_players = 3009,  ///< ask again whether the other players are silent; carries a LoadNumber
     taken_by_name = 3010,     ///< of buttons that are taken by their name before they could be posted
+};
+
+/// The value of an event 2002 after which the film is to go on from where it was stopped.
+struct KeepPlace {
 };
 
 /// Where to go: the value of event 2003.

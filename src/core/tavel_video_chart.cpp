@@ -387,6 +387,9 @@ TavelVideo::State TavelVideo::streaming_state(const QEvent* e)
         history_ = myState;
         return State();
     case player_event::stop: {
+        // The request may have waited for the film to start, and the place to start from is forgotten then.
+        if (data_of<player_event::KeepPlace>(e))
+            start_position_ms_ = static_cast<unsigned int>(position_);
         static Tran tran;
         go(&tran, &TavelVideo::stop_state);
         reopen_after_stop();
@@ -811,7 +814,7 @@ bool TavelVideo::load_movie()
     }
     if (start_position_ms_ > 0 && seek_allowed_)
         post_custom_event(this, player_event::seek,
-                          player_event::SeekRequest{SeekMode::Forward, 0, start_position_ms_, 0});
+                          player_event::SeekRequest{SeekMode::Forward, 0, start_position_ms_, file_number_});
     set_colours();
     reload_subtitles();
     settings_->refresh_subtitle();
@@ -881,8 +884,11 @@ void TavelVideo::step_repeat()
         repeat_mode_ = 1;
         break;
     case 1: {
-        const Time first = std::min<Time>(repeat_a_, position_);
         const Time last = std::max<Time>(repeat_a_, position_);
+        Time first = std::min<Time>(repeat_a_, position_);
+        // Near the end of the film the passage grows backward: a B behind the end would never be passed.
+        if (total_ms_ > LEAST_REPEAT_MS && first + LEAST_REPEAT_MS >= total_ms_)
+            first = std::max<Time>(0, std::min(first, last - LEAST_REPEAT_MS));
         repeat_a_ = first;
         repeat_b_ = std::max(last, first + LEAST_REPEAT_MS);
         past_b_ = false;

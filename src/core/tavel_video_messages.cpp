@@ -177,7 +177,7 @@ void TavelVideo::count_acknowledgement()
 void TavelVideo::stop_for_navigation()
 {
     take_notice_down();
-    post(player_event::stop);
+    post_custom_event(this, player_event::stop, player_event::KeepPlace{});
     reply_owed_ = true;
     start_position_ms_ = static_cast<unsigned int>(position_);
     // Looked at after the stop has been acted on.

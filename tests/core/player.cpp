@@ -318,6 +318,8 @@ bool EventCounter::eventFilter(QObject*, QEvent* event)
             seeks.append(*request);
         if (const auto* const request = custom->data<player_event::EntryRequest>())
             entries.append(*request);
+        if (at_each_)
+            at_each_(custom->type());
     }
     return false;
 }

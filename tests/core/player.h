@@ -132,7 +132,11 @@ private:
 class EventCounter : public QObject
 {
 public:
-    explicit EventCounter(QObject* watched) { watched->installEventFilter(this); }
+    /// @param at_each is told each number before the window acts on it
+    explicit EventCounter(QObject* watched, std::function<void(int)> at_each = {}) : at_each_(std::move(at_each))
+    {
+        watched->installEventFilter(this);
+    }
     bool eventFilter(QObject*, QEvent* event) override;
 
     int count(int number) const { return static_cast<int>(numbers.count(number)); }
@@ -140,6 +144,9 @@ public:
     QList<int> numbers;
     QList<player_event::SeekRequest> seeks;
     QList<player_event::EntryRequest> entries;
+
+private:
+    std::function<void(int)> at_each_;
 };
 
 /// A log as a message, line by line.

@@ -143,6 +143,30 @@ private slots:
         QTRY_VERIFY(player->in(&TavelVideo::play_state));
     }
 
+    void a_stop_that_comes_before_the_stored_position_is_sought_holds()
+    {
+        QTemporaryDir directory;
+        player = std::make_unique<Player>(Player::Device{{}, real_files(directory, 1), 0, 4500});
+        player->settle();
+        // The stop is posted when the film is about to be started, the seek when it has been.
+        bool stopped = false;
+        EventCounter counter(player->window(), [&](int number) {
+            if (number == player_event::play && player->in(&TavelVideo::file_loaded_state) &&
+                !std::exchange(stopped, true))
+                player->post(player_event::stop);
+        });
+        player->post(player_event::play);
+        QTRY_COMPARE(counter.count(player_event::seek), 1);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::stop_state));
+        QCOMPARE(player->window()->position(), Time(0));
+        player->clear_log();
+        player->post(player_event::play);
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        player->settle();
+        QVERIFY(player->log_of({"seek"}).isEmpty());
+    }
+
     void play_on_a_deleted_file_reports_it_and_stays_stopped()
     {
         QTemporaryDir directory;

@@ -362,6 +362,46 @@ private slots:
         QVERIFY(player->log_of({"seek"}).isEmpty());
     }
 
+    void a_passage_in_the_last_second_grows_backward_data()
+    {
+        QTest::addColumn<int>("length");
+        QTest::addColumn<int>("a");
+        QTest::addColumn<int>("b");
+        QTest::addColumn<int>("first");
+        QTest::addColumn<int>("last");
+        QTest::newRow("at one place") << 10000 << 9600 << 9600 << 8600 << 9600;
+        QTest::newRow("short") << 10000 << 9300 << 9700 << 8700 << 9700;
+        QTest::newRow("exchanged") << 10000 << 9700 << 9300 << 8700 << 9700;
+        QTest::newRow("with just room enough") << 10000 << 8900 << 8950 << 8900 << 9900;
+        QTest::newRow("to the very end") << 10000 << 9000 << 10000 << 9000 << 10000;
+        QTest::newRow("a short film") << 1500 << 700 << 800 << 0 << 1000;
+    }
+    void a_passage_in_the_last_second_grows_backward()
+    {
+        QFETCH(int, length);
+        QFETCH(int, a);
+        QFETCH(int, b);
+        QFETCH(int, first);
+        QFETCH(int, last);
+        scripted_engine::set_info(QStringLiteral("video"), QStringLiteral("time"), QString::number(length));
+        player->play_a_film();
+        allow_repeat();
+        scripted_engine::set_automatic_reports(false);
+        scripted_engine::report_time(a);
+        player->post(player_event::repeat_ab);
+        player->settle();
+        scripted_engine::report_time(b);
+        player->post(player_event::repeat_ab);
+        player->settle();
+        player->clear_log();
+        scripted_engine::report_time(last);
+        player->settle();
+        QVERIFY(player->log_of({"seek"}).isEmpty());
+        scripted_engine::report_time(last + 1);
+        player->settle();
+        QCOMPARE(player->log_of({"seek"}), QStringList(QStringLiteral("seek 4 %1").arg(first)));
+    }
+
     void nothing_is_repeated_while_the_setting_hides_the_controls()
     {
         play_at(2000);

@@ -371,6 +371,36 @@ private slots:
         QTRY_COMPARE(player->log_of({"seek"}), QStringList(QStringLiteral("seek 3 6000")));
     }
 
+    void stop_before_a_film_has_started_keeps_its_place_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        for (const char* text : {"STOP", "NAVI_START"})
+            QTest::newRow(text) << QByteArray(text);
+    }
+    void stop_before_a_film_has_started_keeps_its_place()
+    {
+        QFETCH(QByteArray, text);
+        connect_navigation();
+        player->hand_over(player->make_files(1));
+        QTRY_VERIFY(heard.contains("STOP\n"));
+        player->window()->play_event(0, 4500);
+        QTRY_COMPARE(heard.count("STOP\n"), 2);
+        heard.clear();
+        say(text);
+        flush_socket();
+        QVERIFY(player->in(&TavelVideo::file_loaded_state));
+        say("OK");
+        say("OK");
+        QTRY_VERIFY(player->in(&TavelVideo::stop_state));
+        player->settle();
+        player->clear_log();
+        heard.clear();
+        player->post(player_event::play);
+        QTRY_VERIFY(heard.endsWith("STOP\n"));
+        say("OK");
+        QTRY_COMPARE(player->log_of({"seek"}), QStringList(QStringLiteral("seek 3 4500")));
+    }
+
     void navi_start_stops_answers_and_keeps_the_place_too()
     {
         connect_navigation();
@@ -528,6 +558,21 @@ private slots:
         player->settle();
         QVERIFY(player->in(&TavelVideo::pause_state));
         say("RESUME");
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+    }
+
+    void a_second_pause_of_the_navigation_program_needs_a_second_resume()
+    {
+        connect_navigation();
+        play_with_navigation();
+        say("PAUSE");
+        QTRY_COMPARE(heard.count("OK\n"), 1);
+        say("AUDIO_PAUSE");
+        QTRY_COMPARE(heard.count("OK\n"), 2);
+        say("RESUME");
+        flush_socket();
+        QVERIFY(player->in(&TavelVideo::pause_state));
+        say("AUDIO_RESUME");
         QTRY_VERIFY(player->in(&TavelVideo::play_state));
     }
 
