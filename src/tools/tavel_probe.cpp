@@ -42,8 +42,7 @@ Findings look(const QString& file)
         findings.tracks = read_subtitle_file(file, 0, never);
         return findings;
     }
-    const double frame_rate = findings.film.infos[QStringLiteral("video")][QStringLiteral("framerate")].toDouble();
-    findings.tracks = read_subtitle_files(file, frame_rate, never);
+    findings.tracks = read_subtitle_files(file, findings.film.frame_rate(), never);
     if (findings.film.text_streams > 0) {
         for (SubtitleTrack& track : read_embedded_subtitles(file, never))
             findings.tracks.push_back(std::move(track));

@@ -203,6 +203,9 @@ private slots:
         QCOMPARE(summary->type, QStringLiteral("Ogg"));
         QVERIFY(std::abs(summary->duration_ms - test_films::length_ms) < 100);
         QVERIFY(!probe_media(QStringLiteral("/missing.avi"), 5000));
+        std::stop_source stopped;
+        stopped.request_stop();
+        QVERIFY(!probe_media(test_films::path("theora.ogg"), 5000, stopped.get_token()));
         QVERIFY(!probe_media(test_films::path("sound_only.m4a"), 5000));
     }
 

@@ -4,6 +4,8 @@
 #include "sound_server.h"
 #include "test_main.h"
 
+#include <QSemaphore>
+
 using namespace std::chrono_literals;
 
 namespace
@@ -146,6 +148,28 @@ private slots:
         QVERIFY2(elapsed < 11500, qPrintable(QString::number(elapsed)));
         QCOMPARE(bench.recorder.reports(), QStringList());
         QVERIFY(bench.start(test_films::path("h264.mp4")));
+    }
+
+    void subtitles_on_a_stuck_disk_do_not_keep_the_film_and_come_later()
+    {
+        QFile subtitles(m_directory->filePath(QStringLiteral("slow_film.srt")));
+        QVERIFY(subtitles.open(QIODevice::WriteOnly));
+        subtitles.write("1\n00:00:01,000 --> 00:00:02,000\nLate\n");
+        subtitles.close();
+        Bench bench;
+        QSemaphore ready;
+        bench.player.set_subtitles_ready_hook([&] { ready.release(); });
+        slow_disk::hold("slow_film.srt");
+        QVERIFY(bench.start(m_film));
+        QVERIFY(slow_disk::held() > 0);
+        QVERIFY(bench.runs_on(100));
+        QCOMPARE(bench.player.get_info("container", "subtitle_streams"), QStringLiteral("1"));
+        QVERIFY(!bench.player.get_subtitles(0));
+        slow_disk::release();
+        QVERIFY(ready.tryAcquire(1, 10000));
+        QVERIFY(bench.player.get_subtitles(0));
+        QCOMPARE(bench.player.get_subtitles(0)->front().text, std::string("Late"));
+        bench.player.set_subtitles_ready_hook({});
     }
 
     void probing_on_a_stuck_disk_gives_up()

@@ -36,7 +36,7 @@ int is_cancelled(void* cancelled)
     return static_cast<const std::atomic<bool>*>(cancelled)->load() ? 1 : 0;
 }
 
-QString frame_rate(const AVStream& stream)
+QString frame_rate_of(const AVStream& stream)
 {
     const AVRational rate = stream.avg_frame_rate.num > 0 ? stream.avg_frame_rate : stream.r_frame_rate;
     if (rate.num <= 0 || rate.den <= 0)
@@ -129,7 +129,7 @@ MediaFile MediaFile::look(const QByteArray& path, const std::atomic<bool>& cance
             video = {{QStringLiteral("name"), codec_name(parameters)},
                      {QStringLiteral("width"), QString::number(parameters.width)},
                      {QStringLiteral("height"), QString::number(parameters.height)},
-                     {QStringLiteral("framerate"), frame_rate(stream)}};
+                     {QStringLiteral("framerate"), frame_rate_of(stream)}};
         } else if (parameters.codec_type == AVMEDIA_TYPE_AUDIO) {
             if (file.audio_streams++ > 0)
                 continue;
@@ -155,7 +155,12 @@ MediaFile MediaFile::look(const QByteArray& path, const std::atomic<bool>& cance
     return file;
 }
 
-MediaFile MediaFile::look_within(const QByteArray& path, std::chrono::milliseconds limit)
+double MediaFile::frame_rate() const
+{
+    return infos[QStringLiteral("video")][QStringLiteral("framerate")].toDouble();
+}
+
+MediaFile MediaFile::look_within(const QByteArray& path, std::chrono::milliseconds limit, const std::stop_token& stop)
 {
     struct Shared {
         std::atomic<bool> cancelled = false;
@@ -168,7 +173,8 @@ MediaFile MediaFile::look_within(const QByteArray& path, std::chrono::millisecon
         const std::lock_guard lock(shared->mutex);
         shared->file = std::move(file);
     });
-    if (task.wait_for(limit)) {
+    const std::stop_callback stopping(stop, [shared] { shared->cancelled = true; });
+    if (task.wait_for(limit) && !shared->cancelled) {
         const std::lock_guard lock(shared->mutex);
         return std::move(shared->file);
     }

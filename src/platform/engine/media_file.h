@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <stop_token>
 #include <vector>
 
 /// What FFmpeg finds out about a file without playing it.
@@ -31,7 +32,12 @@ struct MediaFile {
     static MediaFile look(const QByteArray& path, const std::atomic<bool>& cancelled);
 
     /// The same within @p limit, whatever the disk does.
-    static MediaFile look_within(const QByteArray& path, std::chrono::milliseconds limit);
+    /// @param stop ends it early, as far as the disk answers
+    static MediaFile look_within(const QByteArray& path, std::chrono::milliseconds limit,
+                                 const std::stop_token& stop = {});
+
+    /// Pictures a second; 0 when unknown.
+    double frame_rate() const;
 
     /// The identity of the file of that name now; empty when it is not a plain readable one.
     static std::vector<long long> identify(const QByteArray& path);

@@ -22,6 +22,9 @@ namespace
 /// How long open() may take to look into a file.
 constexpr auto open_limit = 5000ms;
 
+/// How long it then waits for the subtitle files beside that; what takes longer is read while the film plays.
+constexpr auto beside_limit = 2000ms;
+
 /// The library takes a relative name for anything but a file.
 QByteArray absolute_path(const char* file_name)
 {
@@ -49,7 +52,7 @@ public:
     /// What look_into() found; filled on another thread within the limit.
     struct Findings {
         MediaFile file;
-        std::vector<SubtitleTrack> beside;
+        std::optional<std::vector<SubtitleTrack>> beside; ///< nothing when they take long to read
     };
 
     static Findings look_into(const QByteArray& path);
@@ -64,30 +67,27 @@ public:
 
 MediaPlayer::Private::Findings MediaPlayer::Private::look_into(const QByteArray& path)
 {
+    Findings findings;
+    findings.file = MediaFile::look_within(path, open_limit);
+    if (findings.file.status != rask::ok)
+        return findings;
+
     struct Shared {
         std::atomic<bool> cancelled = false;
         std::mutex mutex;
-        Findings findings; ///< guarded by mutex
+        std::vector<SubtitleTrack> beside; ///< guarded by mutex
     };
     const auto shared = std::make_shared<Shared>();
-    BackgroundTask task([shared, path] {
-        Findings findings;
-        findings.file = MediaFile::look(path, shared->cancelled);
-        if (findings.file.status == rask::ok)
-            findings.beside = read_subtitle_files(
-                QFile::decodeName(path),
-                findings.file.infos[QStringLiteral("video")][QStringLiteral("framerate")].toDouble(),
-                shared->cancelled);
+    BackgroundTask task([shared, film = QFile::decodeName(path), rate = findings.file.frame_rate()] {
+        std::vector<SubtitleTrack> beside = read_subtitle_files(film, rate, shared->cancelled);
         const std::lock_guard lock(shared->mutex);
-        shared->findings = std::move(findings);
+        shared->beside = std::move(beside);
     });
-    if (task.wait_for(open_limit)) {
+    if (task.wait_for(beside_limit)) {
         const std::lock_guard lock(shared->mutex);
-        return std::move(shared->findings);
+        findings.beside = std::move(shared->beside);
     }
     shared->cancelled = true;
-    Findings findings;
-    findings.file.status = rask::timed_out;
     return findings;
 }
 
@@ -122,7 +122,7 @@ unsigned MediaPlayer::prepare(const char* file_name)
     const unsigned status = d->playback->load(
         {path, d->file.length, d->file.seekable, d->file.height, d->file.audio_streams, d->file.rotation});
     if (status == rask::ok)
-        d->subtitles->read_inside(d->subtitles_ready);
+        d->subtitles->read_rest(d->subtitles_ready);
     return status;
 }
 
@@ -219,8 +219,8 @@ unsigned MediaPlayer::open(const char* file_name)
     if (findings.file.status != rask::ok)
         return findings.file.status;
     d->file = std::move(findings.file);
-    d->subtitles = std::make_unique<SubtitleStore>(std::move(findings.beside), d->file.text_streams,
-                                                   QFile::decodeName(d->file.path));
+    d->subtitles = std::make_unique<SubtitleStore>(SubtitleStore::Sources{
+        QFile::decodeName(d->file.path), d->file.frame_rate(), d->file.text_streams, std::move(findings.beside)});
     d->file.infos[QStringLiteral("container")][QStringLiteral("subtitle_streams")] =
         QString::number(d->subtitles->count());
     return rask::ok;

@@ -78,8 +78,9 @@ public:
     virtual unsigned set_option(int option, bool on);
     /// @return the speed that set_speed() has come to, in percent.
     virtual int get_speed();
-    /// @param hook called on a thread of the engine's when the open file's own subtitle streams have been read, so that
-    /// get_subtitles() has more to hand over. Empty removes it; it is not running any more when this returns.
+    /// @param hook called on a thread of the engine's when the open file's own subtitle streams, or large subtitle
+    /// files beside it, have been read, so that get_subtitles() has more to hand over. Empty removes it; it is not
+    /// running any more when this returns.
     virtual void set_subtitles_ready_hook(std::function<void()> hook);
 
 private:

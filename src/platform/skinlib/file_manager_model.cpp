@@ -185,7 +185,7 @@ void FileManagerModel::look_up_lengths(int first_row, int last_row)
         if (entry(row).kind != Kind::Film || entry(row).length_ms >= 0)
             continue;
         prober_.start([this, row, film = path(row)](const std::stop_token& cancelled) {
-            const MediaSummary summary = probe_media(film, probe_limit_ms).value_or(MediaSummary{});
+            const MediaSummary summary = probe_media(film, probe_limit_ms, cancelled).value_or(MediaSummary{});
             prober_.deliver(cancelled, [this, row, summary] { set_summary(row, summary.type, summary.duration_ms); });
         });
     }

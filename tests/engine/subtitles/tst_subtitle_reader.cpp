@@ -1,6 +1,7 @@
 #include "films.h"
 #include "subtitles/subtitle_encoding.h"
 #include "subtitles/subtitle_files.h"
+#include "subtitles/timed_text.h"
 #include "test_main.h"
 #include "track_text.h"
 
@@ -249,6 +250,10 @@ private slots:
         const std::atomic<bool> cancelled = true;
         QVERIFY(read_subtitle_files(shelf.path(QStringLiteral("film.mkv")), 0, cancelled).empty());
         QVERIFY(read_subtitle_file(shelf.path(QStringLiteral("film.srt")), 0, cancelled).empty());
+        const QByteArray korean = encoded(QStringLiteral("하나 둘 셋\n").repeated(100'000), SubtitleEncoding::Cp949);
+        QVERIFY(decode(korean, SubtitleEncoding::Cp949, cancelled).isEmpty());
+        QVERIFY(decode(korean, SubtitleEncoding::Utf8, cancelled).isEmpty());
+        QVERIFY(in_order({{1000, 2000, QStringLiteral("One")}}, cancelled).empty());
         const std::vector<SubtitleTrack> inside = read_embedded_subtitles(test_films::path("subtitles.mkv"), cancelled);
         QVERIFY(std::all_of(inside.begin(), inside.end(), [](const auto& track) { return track.lines.empty(); }));
     }

@@ -185,7 +185,7 @@ void set_application_volume(unsigned char volume)
     Script::instance().write(QStringLiteral("set_application_volume %1").arg(volume));
 }
 
-std::optional<MediaSummary> probe_media(const QString&, int)
+std::optional<MediaSummary> probe_media(const QString&, int, const std::stop_token&)
 {
     return Script::instance().summary();
 }

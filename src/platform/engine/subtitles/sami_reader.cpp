@@ -379,7 +379,7 @@ std::vector<SubtitleTrack> SamiReader::read()
     }
     std::vector<SubtitleTrack> tracks;
     for (const std::size_t place : order) {
-        SubtitleTrack track{m_languages[place].name, in_order(std::move(m_languages[place].lines))};
+        SubtitleTrack track{m_languages[place].name, in_order(std::move(m_languages[place].lines), m_cancelled)};
         if (!track.lines.empty())
             tracks.push_back(std::move(track));
     }

@@ -138,7 +138,7 @@ std::vector<TimedText> timed_lines(const Stream& stream, const std::atomic<bool>
     QByteArray all;
     for (const RawLine& line : stream.lines)
         all += line.text + '\n';
-    const SubtitleEncoding encoding = guess_encoding(all);
+    const SubtitleEncoding encoding = guess_encoding(all, cancelled);
     std::vector<TimedText> lines;
     for (const RawLine& line : stream.lines) {
         if (cancelled)
@@ -299,7 +299,7 @@ std::vector<SubtitleTrack> read_embedded_subtitles(const QString& film, const st
             if (line.end)
                 *line.end -= start_of_film;
         }
-        tracks.push_back({stream.name, in_order(std::move(lines))});
+        tracks.push_back({stream.name, in_order(std::move(lines), cancelled)});
     }
     return tracks;
 }

@@ -24,6 +24,27 @@ bool is_ascii_letter(uchar byte)
     return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
 }
 
+/// Asks now and then whether a long reading goes on.
+class Patience
+{
+public:
+    explicit Patience(const std::atomic<bool>& cancelled) : m_cancelled(cancelled) {}
+
+    /// @param at how far the reading has come
+    bool is_over(qsizetype at)
+    {
+        if (at < m_next_question)
+            return false;
+        constexpr qsizetype block = 65536;
+        m_next_question = at + block;
+        return m_cancelled;
+    }
+
+private:
+    const std::atomic<bool>& m_cancelled;
+    qsizetype m_next_question = 0;
+};
+
 /// How well a reading fits: the lower, the better.
 struct Reading {
     int faults = 0;         ///< characters that are lost
@@ -82,9 +103,10 @@ int damaged_length(QByteArrayView bytes, qsizetype at)
     return length;
 }
 
-Reading read_utf8(QByteArrayView bytes, QString* text)
+Reading read_utf8(QByteArrayView bytes, QString* text, const std::atomic<bool>& cancelled)
 {
     Reading reading;
+    Patience patience(cancelled);
     qsizetype group = 0;
     bool touches_letter = false;
     const auto close_group = [&](qsizetype end) {
@@ -92,7 +114,7 @@ Reading read_utf8(QByteArrayView bytes, QString* text)
             reading.grouped += static_cast<int>(group);
         group = 0;
     };
-    for (qsizetype at = 0; at < bytes.size();) {
+    for (qsizetype at = 0; at < bytes.size() && !patience.is_over(at);) {
         const uchar lead = byte_at(bytes, at);
         if (lead < 0x80) {
             if (group > 0)
@@ -336,12 +358,13 @@ void Mender::mend(qsizetype from, qsizetype to, std::vector<char16_t>& units)
     }
 }
 
-Reading read_cp949(QByteArrayView bytes, QString* text)
+Reading read_cp949(QByteArrayView bytes, QString* text, const std::atomic<bool>& cancelled)
 {
     Reading reading;
+    Patience patience(cancelled);
     Mender mender(bytes);
     std::vector<char16_t> units;
-    for (qsizetype at = 0; at < bytes.size();) {
+    for (qsizetype at = 0; at < bytes.size() && !patience.is_over(at);) {
         const uchar first = byte_at(bytes, at);
         if (first < 0x80) {
             if (text)
@@ -453,14 +476,14 @@ bool is_text(QByteArrayView bytes)
     return controls <= std::max(few, bytes.size() / one_in);
 }
 
-SubtitleEncoding guess_encoding(QByteArrayView bytes)
+SubtitleEncoding guess_encoding(QByteArrayView bytes, const std::atomic<bool>& cancelled)
 {
     if (const std::optional<SubtitleEncoding> marked = marked_encoding(bytes))
         return *marked;
-    const Reading utf8 = read_utf8(bytes, nullptr);
+    const Reading utf8 = read_utf8(bytes, nullptr, cancelled);
     if (utf8.faults == 0 && (utf8.beyond_ascii == 0 || !utf8.only_latin))
         return SubtitleEncoding::Utf8;
-    const Reading cp949 = read_cp949(bytes, nullptr);
+    const Reading cp949 = read_cp949(bytes, nullptr, cancelled);
     if (utf8.faults == 0 && cp949.faults == 0) {
         // A few Hangul syllables look like accented letters. Those stand inside words of plain letters, never in
         // groups.
@@ -471,7 +494,7 @@ SubtitleEncoding guess_encoding(QByteArrayView bytes)
                                                                                 : SubtitleEncoding::Utf8;
 }
 
-QString decode(QByteArrayView bytes, SubtitleEncoding encoding)
+QString decode(QByteArrayView bytes, SubtitleEncoding encoding, const std::atomic<bool>& cancelled)
 {
     for (const Mark& mark : marks) {
         if (mark.encoding == encoding && bytes.startsWith(QByteArrayView(mark.bytes)))
@@ -484,17 +507,17 @@ QString decode(QByteArrayView bytes, SubtitleEncoding encoding)
         return read_utf16(bytes, encoding == SubtitleEncoding::Utf16LittleEndian);
     case SubtitleEncoding::Utf8:
         text.reserve(bytes.size());
-        read_utf8(bytes, &text);
+        read_utf8(bytes, &text, cancelled);
         break;
     case SubtitleEncoding::Cp949:
         text.reserve(bytes.size());
-        read_cp949(bytes, &text);
+        read_cp949(bytes, &text, cancelled);
         break;
     }
     return text;
 }
 
-QString decode_guessed(QByteArrayView bytes)
+QString decode_guessed(QByteArrayView bytes, const std::atomic<bool>& cancelled)
 {
-    return decode(bytes, guess_encoding(bytes));
+    return decode(bytes, guess_encoding(bytes, cancelled), cancelled);
 }

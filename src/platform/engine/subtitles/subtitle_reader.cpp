@@ -109,7 +109,7 @@ std::vector<SubtitleTrack> read_subtitle_file(const QString& file, double frame_
         if (!is_text(bytes))
             return {};
     }
-    const QString text = decode_guessed(bytes);
+    const QString text = decode_guessed(bytes, cancelled);
     bytes.clear();
     const std::optional<Kind> told = kind_by_content(text);
     const std::optional<Kind> kind = told ? told : kind_by_suffix(file);
@@ -125,7 +125,7 @@ std::vector<SubtitleTrack> read_subtitle_file(const QString& file, double frame_
         }
         return tracks;
     }
-    SubtitleTrack track{name, in_order(read_lines(*kind, text, frame_rate, cancelled))};
+    SubtitleTrack track{name, in_order(read_lines(*kind, text, frame_rate, cancelled), cancelled)};
     if (track.lines.empty())
         return {};
     return {std::move(track)};

@@ -5,10 +5,12 @@
 
 #include <QString>
 
+#include <algorithm>
 #include <array>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 /// The subtitle lists of one opened film: what lies beside it first, then what is inside it.
 ///
@@ -30,19 +32,26 @@ public:
         std::function<void()> m_hook;
     };
 
-    /// @param beside the tracks of the files beside the film
-    /// @param inside how many text streams the film has
-    SubtitleStore(std::vector<SubtitleTrack> beside, int inside, QString film);
+    /// Where a film's subtitles are.
+    struct Sources {
+        QString film;
+        double frame_rate = 0; ///< for files that count frames; 0 when unknown
+        int inside = 0;        ///< how many text streams the film has
+        /// The tracks of the files beside the film; nothing when those would have taken too long to read by now.
+        std::optional<std::vector<SubtitleTrack>> beside;
+    };
+
+    explicit SubtitleStore(Sources sources);
     /// Stops reading.
     ~SubtitleStore();
     SubtitleStore(const SubtitleStore&) = delete;
     SubtitleStore& operator=(const SubtitleStore&) = delete;
 
-    /// How many tracks there are when everything has been read.
-    int count() const { return static_cast<int>(std::min(most_tracks, m_beside + static_cast<std::size_t>(m_inside))); }
+    /// How many tracks there are when everything has been read. What is still to be read beside the film counts as one.
+    int count() const { return m_count; }
 
-    /// Starts reading what is inside the film, once; @p ready is called when that has come to its end.
-    void read_inside(std::shared_ptr<Hook> ready);
+    /// Starts reading what has not been read yet, once; @p ready is called whenever there is more to hand over.
+    void read_rest(std::shared_ptr<Hook> ready);
 
     /// Gives up what has not been read yet; the hook is not called any more. The lists stay.
     void stop_reading() { m_shared->cancelled = true; }
@@ -57,11 +66,16 @@ private:
         std::mutex mutex;
         std::array<std::vector<Subtitle>, most_tracks>
             tracks; ///< guarded by mutex; a list that is not empty never changes
+
+        /// Puts tracks in the places from @p first on, as far as there are any.
+        void put(std::size_t first, std::vector<SubtitleTrack> added);
     };
 
-    QString m_film;
-    std::size_t m_beside = 0;
-    int m_inside = 0;
+    /// Reads all that @p sources lack and fills @p shared; on the reading thread.
+    static void read(const Sources& sources, Shared& shared, Hook& ready);
+
+    Sources m_sources; ///< without the lists themselves
+    int m_count = 0;
     bool m_reading = false;
     std::shared_ptr<Shared> m_shared;
     BackgroundTask m_reader;

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <atomic>
 #include <optional>
 #include <vector>
 
@@ -18,4 +19,5 @@ struct TimedText {
 ///
 /// What begins at the same time becomes one line, since the screen can show only one of them. Blank lines are left out.
 /// Texts come out in the device's code page. Any thread.
-std::vector<Subtitle> in_order(std::vector<TimedText> lines);
+/// @param cancelled looked at all the time: when it turns true the answer is what has been done by then.
+std::vector<Subtitle> in_order(std::vector<TimedText> lines, const std::atomic<bool>& cancelled);
