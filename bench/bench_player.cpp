@@ -1,12 +1,18 @@
-// Drives the real player on real films and measures it from inside: hand-over and seek to picture, processor time, how
-// long the GUI thread stays away from its loop, frames shown, memory over films in a row.
+// Drives the real player on real films and measures it from inside.
 //
-// Usage: bench_player DIRECTORY [SECONDS [USE_SECONDS]]
-// Needs an X screen, a session bus and a home directory of its own. DIRECTORY holds the films that bench/run makes:
-// one.mkv and two.mkv (40 s; a mark in the middle, magenta then blue in the one, lime then red in the other, changed at
-// 20 s), subtitled.mkv with subtitled.srt, and 480x272.mkv, 1280x720.mkv, 1920x1080.mkv (10 s, 25 frames a second).
-// Each processor time is of SECONDS (10), the GUI thread is watched for USE_SECONDS (30). Ends with 0 when all was
-// measured.
+// Usage: bench_player DIRECTORY handover TIMES | seek TIMES | films COUNT | use SECONDS
+// Needs an X screen, a session bus and a home directory of its own. DIRECTORY holds films that bench/run makes: one.mkv
+// and two.mkv (40 s; a mark in the middle, magenta then blue in the one, lime then red in the other, changed at 20 s),
+// subtitled.mkv with subtitled.srt (as one.mkv).
+//
+//   handover  milliseconds from a list of files handed over to the painted first picture, in a player that plays
+//   seek      milliseconds from a request on the time bar to the painted picture
+//   films     memory while one film follows another: "COUNT resident MB, own MB" after some of them
+//   use       what the GUI thread does not come back to its event loop for, in SECONDS of changing films, moving
+//             about, opening panels and settings: "WHAT longest ms, of them busy ms, other programs' turn ms, times
+//             above 30 ms"
+//
+// Fields are separated by tabs. Ends with 0 when all was measured.
 
 #include "config.h"
 #include "device_screen.h"
@@ -20,7 +26,6 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QEventLoop>
-#include <QtCore/QFile>
 #include <QtCore/QTimer>
 #include <QtTest/QTest>
 
@@ -28,11 +33,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <vector>
+#include <string>
 
 namespace
 {
@@ -40,55 +46,51 @@ namespace
 using Clock = std::chrono::steady_clock;
 
 constexpr int patience_ms = 20000;
-constexpr int film_frames = 250;
-constexpr double frame_ms = 40;
-constexpr double late_factor = 1.6;
 
 constexpr QRgb magenta = 0xff00ff;
 constexpr QRgb blue = 0x0000ff;
 constexpr QRgb lime = 0x00ff00;
-constexpr QRgb red = 0xff0000;
+
+FILE* table = nullptr; ///< the standard output; what the player prints goes nowhere
 
 double ms_between(Clock::time_point from, Clock::time_point to)
 {
     return std::chrono::duration<double, std::milli>(to - from).count();
 }
 
-/// The median, and behind it the smallest and the largest.
-QString spread(std::vector<double> values)
+/// Lets the event loop run; QTest's waits would keep the thread away from it.
+void settle(int ms)
 {
-    std::sort(values.begin(), values.end());
-    if (values.empty() || values.front() < 0)
-        return QStringLiteral("not measured");
-    return QStringLiteral("%1 (%2 to %3)")
-        .arg(values[values.size() / 2], 0, 'f', 0)
-        .arg(values.front(), 0, 'f', 0)
-        .arg(values.back(), 0, 'f', 0);
+    QEventLoop loop;
+    QTimer::singleShot(ms, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
-/// Resident memory of this process in MB.
-double resident_mb()
+/// Tells when the display was painted after the awaited picture had come.
+class PaintWatch : public QObject
 {
-    QFile file(QStringLiteral("/proc/self/status"));
-    if (!file.open(QIODevice::ReadOnly))
-        return -1;
-    const QByteArray status = file.readAll();
-    const QByteArray rest = status.mid(status.indexOf("VmRSS:") + 6);
-    return rest.left(rest.indexOf("kB")).trimmed().toDouble() / 1024;
-}
+public:
+    PaintWatch() { DeviceScreen::instance()->viewport()->installEventFilter(this); }
 
-FILE* table = nullptr; ///< the standard output; what the player prints goes nowhere
+    void await(QRgb mark)
+    {
+        painted_.reset();
+        FrameLog::instance().await(mark);
+    }
 
-void row(const char* name, const char* unit, const QString& figure)
-{
-    std::fprintf(table, "| %-46s | %-6s | %s\n", name, unit, qPrintable(figure));
-    std::fflush(table);
-}
+    const std::optional<Clock::time_point>& painted() const { return painted_; }
 
-QString number(double value, int decimals = 0)
-{
-    return value < 0 ? QStringLiteral("not measured") : QString::number(value, 'f', decimals);
-}
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint && !painted_ && FrameLog::instance().seen())
+            QTimer::singleShot(0, this, [this] { painted_ = Clock::now(); });
+        return false;
+    }
+
+private:
+    std::optional<Clock::time_point> painted_;
+};
 
 class Bench
 {
@@ -97,57 +99,97 @@ public:
 
     bool complete() const { return complete_; }
 
-    void measure(int seconds, int use_seconds)
+    void measure_handovers(int times)
     {
-        measure_films_in_a_row();
-        measure_seeks();
-        measure_processor_time(seconds);
-        measure_absences(use_seconds);
-        for (const char* size : {"480x272", "1280x720", "1920x1080"})
-            measure_frames(size);
+        play("two.mkv", lime);
+        for (int time = 0; time < times; ++time) {
+            settle(1000);
+            const double ms = time % 2 == 0 ? play("one.mkv", magenta) : play("two.mkv", lime);
+            std::fprintf(table, "%.0f\n", ms);
+        }
+    }
+
+    void measure_seeks(int times)
+    {
+        play_and_wait("one.mkv", magenta);
+        for (int time = 0; time < times; ++time) {
+            settle(1000);
+            const bool forward = time % 2 == 0;
+            const double ms = until_picture(forward ? blue : magenta, [&] { window_->seek_event(forward ? 25U : 5U); });
+            std::fprintf(table, "%.0f\n", ms);
+        }
+    }
+
+    void measure_films_in_a_row(int count)
+    {
+        for (int film = 1; film <= count; ++film) {
+            if (film % 2 != 0)
+                play_and_wait("one.mkv", magenta);
+            else
+                play_and_wait("two.mkv", lime);
+            settle(1000);
+            if (film == 1 || film == 2 || film % 5 == 0)
+                print_memory(film);
+        }
+    }
+
+    void measure_absences(int seconds)
+    {
+        LoopWatch watch;
+        const auto start = Clock::now();
+        watch.start();
+        for (int round = 0; ms_between(start, Clock::now()) < seconds * 1000.0; ++round) {
+            watch.doing("film changed");
+            if (round % 2 == 0)
+                play_and_wait("two.mkv", lime);
+            else
+                play_and_wait("subtitled.mkv", magenta);
+            settle(500);
+            use_everything(&watch, round);
+        }
+        watch.stop();
+        for (const auto& [what, activity] : watch.activities()) {
+            std::fprintf(table, "%s\t%.1f\t%.1f\t%.1f\t%d\n", what.c_str(), activity.longest.wall_ms,
+                         activity.longest.busy_ms, activity.longest.queued_ms, activity.above_limit);
+        }
     }
 
 private:
-    /// Lets the event loop run; QTest's waits would keep the thread away from it.
-    static void settle(int ms)
-    {
-        QEventLoop loop;
-        QTimer::singleShot(ms, Qt::PreciseTimer, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
-
     bool wait_until(const char* what, const std::function<bool()>& condition)
     {
         const auto start = Clock::now();
         while (!condition() && ms_between(start, Clock::now()) < patience_ms)
-            settle(10);
+            settle(5);
         if (condition())
             return true;
-        std::fprintf(table, "%s: did not happen\n", what);
+        std::fprintf(stderr, "bench_player: did not happen: %s\n", what);
         complete_ = false;
         return false;
     }
 
-    /// Milliseconds until the mark's colour is in a frame, -1 when it never is.
+    /// Milliseconds until the display shows the mark's colour, -1 when it never does.
     double until_picture(QRgb mark, const std::function<void()>& request)
     {
-        FrameLog::instance().await(mark);
+        paint_watch_.await(mark);
         const auto start = Clock::now();
         request();
-        return wait_until("the picture", [] { return FrameLog::instance().seen().has_value(); })
-                   ? ms_between(start, *FrameLog::instance().seen())
+        return wait_until("the picture", [this] { return paint_watch_.painted().has_value(); })
+                   ? ms_between(start, *paint_watch_.painted())
                    : -1;
-    }
-
-    void hand_over(const char* film) const
-    {
-        QCopEnvelope envelope("QPE/Brevaton/video", "transmit_filename(QString)");
-        envelope << QString(films_.absoluteFilePath(QLatin1String(film)) + QLatin1Char('\n'));
     }
 
     double play(const char* film, QRgb mark)
     {
-        return until_picture(mark, [&] { hand_over(film); });
+        return until_picture(mark, [&] {
+            QCopEnvelope envelope("QPE/Brevaton/video", "transmit_filename(QString)");
+            envelope << QString(films_.absoluteFilePath(QLatin1String(film)) + QLatin1Char('\n'));
+        });
+    }
+
+    void play_and_wait(const char* film, QRgb mark)
+    {
+        play(film, mark);
+        wait_until("playing", [this] { return is_playing() && window_->is_seek_allowed(); });
     }
 
     bool is_playing() const { return window_->isIn(&TavelVideo::play_state) != 0; }
@@ -158,133 +200,83 @@ private:
         wait_until("full screen or the controls", [&] { return window_->is_full_screen() == on; });
     }
 
-    void measure_films_in_a_row()
-    {
-        std::vector<double> times;
-        for (int film = 1; film <= 20; ++film) {
-            const double time = film % 2 != 0 ? play("one.mkv", magenta) : play("two.mkv", lime);
-            settle(1000);
-            if (film > 1 && film <= 6)
-                times.push_back(time);
-            if (film == 1 || film == 5 || film == 10 || film == 20)
-                row(qPrintable(QStringLiteral("resident memory, films in a row: %1").arg(film)), "MB",
-                    number(resident_mb(), 1));
-        }
-        row("hand-over to first picture, median of 5", "ms", spread(times));
-    }
-
-    void measure_seeks()
-    {
-        play("one.mkv", magenta);
-        wait_until("playing", [this] { return is_playing() && window_->is_seek_allowed(); });
-        std::vector<double> times;
-        for (int seek = 0; seek < 5; ++seek) {
-            settle(1000);
-            const bool forward = seek % 2 == 0;
-            times.push_back(until_picture(forward ? blue : magenta, [&] { window_->seek_event(forward ? 25U : 5U); }));
-        }
-        row("seek to picture, median of 5", "ms", spread(times));
-    }
-
-    void measure_processor_time(int seconds)
-    {
-        const auto used = [&](const char* name, const char* film, QRgb mark, bool full_screen) {
-            play(film, mark);
-            wait_until("playing", [this] { return is_playing(); });
-            set_full_screen(full_screen);
-            settle(1000);
-            const double before = processor_seconds(CLOCK_PROCESS_CPUTIME_ID);
-            settle(seconds * 1000);
-            row(qPrintable(QStringLiteral("processor time, %1 s, %2").arg(seconds).arg(QLatin1String(name))), "s",
-                number(processor_seconds(CLOCK_PROCESS_CPUTIME_ID) - before, 2));
-        };
-        used("controls shown", "one.mkv", magenta, false);
-        used("full screen", "two.mkv", lime, true);
-        used("full screen, subtitles", "subtitled.mkv", magenta, true);
-    }
-
-    void key(Qt::Key key)
+    static void key(Qt::Key key)
     {
         QTest::sendKeyEvent(QTest::Click, DeviceScreen::instance()->viewport(), key, QString(), Qt::NoModifier, 0);
         settle(300);
     }
 
-    void measure_absences(int use_seconds)
+    void use_everything(LoopWatch* watch, int round)
     {
-        LoopWatch watch;
-        const auto start = Clock::now();
-        watch.start();
-        for (int round = 0; ms_between(start, Clock::now()) < use_seconds * 1000.0; ++round) {
-            watch.doing("film changed", true);
-            play(round % 2 == 0 ? "two.mkv" : "subtitled.mkv", round % 2 == 0 ? lime : magenta);
-            wait_until("playing", [this] { return is_playing() && window_->is_seek_allowed(); });
-            settle(500);
-            watch.doing("controls shown");
-            set_full_screen(false);
-            settle(1000);
-            for (const Qt::Key each : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Left, Qt::Key_Left})
-                key(each);
-            watch.doing("playlist");
-            window_->show_playlist();
-            key(Qt::Key_Down);
-            window_->hide_playlist();
-            watch.doing("bookmarks");
-            window_->add_bookmark(films_.absoluteFilePath(QStringLiteral("one.mkv")), 5);
-            window_->show_bookmark();
-            key(Qt::Key_Down);
-            window_->hide_bookmark();
-            watch.doing("seek");
-            window_->seek_event(round % 3 == 0 ? 12U : 8U);
-            settle(1000);
-            watch.doing("pause");
-            window_->postCustomEvent(player_event::pause);
-            settle(700);
-            window_->postCustomEvent(player_event::play);
-            settle(700);
-            watch.doing("settings");
-            window_->postCustomEvent(player_event::open_settings);
-            settle(1000);
-            key(Qt::Key_Escape);
-            watch.doing("full screen");
-            set_full_screen(true);
-            settle(2000);
-        }
-        watch.stop();
-        const auto told = [](const LoopWatch::Absence& absence) {
-            return QStringLiteral("%1 (%2 of them busy; %3)")
-                .arg(number(absence.wall_ms), number(absence.busy_ms), QLatin1String(absence.doing));
-        };
-        row(qPrintable(QStringLiteral("GUI thread away at longest, %1 s of use").arg(use_seconds)), "ms",
-            told(watch.in_use()));
-        row("  how often above 30 ms", "times", number(watch.above_30_ms()));
-        row("  at longest while a film is changed", "ms", told(watch.in_waits()));
+        watch->doing("controls shown");
+        set_full_screen(false);
+        settle(1000);
+        watch->doing("keys");
+        for (const Qt::Key each : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Left, Qt::Key_Left, Qt::Key_Up, Qt::Key_Down})
+            key(each);
+        watch->doing("playlist");
+        window_->show_playlist();
+        key(Qt::Key_Down);
+        window_->hide_playlist();
+        watch->doing("bookmark added");
+        window_->add_bookmark(films_.absoluteFilePath(QStringLiteral("one.mkv")), 5);
+        watch->doing("bookmarks");
+        window_->show_bookmark();
+        key(Qt::Key_Down);
+        window_->hide_bookmark();
+        watch->doing("seek");
+        window_->seek_event(round % 3 == 0 ? 12U : 8U);
+        settle(1000);
+        watch->doing("pause");
+        window_->postCustomEvent(player_event::pause);
+        settle(700);
+        window_->postCustomEvent(player_event::play);
+        settle(700);
+        watch->doing("settings opened");
+        window_->postCustomEvent(player_event::open_settings);
+        settle(1000);
+        watch->doing("settings turned over");
+        for (int page = 0; page < 6; ++page)
+            key(Qt::Key_Right);
+        watch->doing("settings closed");
+        key(Qt::Key_Escape);
+        watch->doing("full screen");
+        set_full_screen(true);
+        settle(2000);
     }
 
-    void measure_frames(const char* size)
+    static void print_memory(int film)
     {
-        window_->postCustomEvent(player_event::stop);
-        wait_until("the stop", [this] { return !is_playing(); });
-        settle(500);
-        FrameLog::instance().take();
-        hand_over(qPrintable(QLatin1String(size) + QStringLiteral(".mkv")));
-        if (!wait_until("playing", [this] { return is_playing() && window_->position() > 0; }))
-            return;
-        const auto started = Clock::now();
-        wait_until("the film's end", [this] { return !is_playing() || window_->position() == 0; });
-        const std::vector<Clock::time_point> times = FrameLog::instance().take();
-        int late = 0;
-        for (std::size_t i = 1; i < times.size(); ++i) {
-            if (times[i - 1] > started && ms_between(times[i - 1], times[i]) > late_factor * frame_ms)
-                ++late;
+        long total = 0;
+        long resident = 0;
+        long file = 0;
+        if (FILE* const statm = std::fopen("/proc/self/statm", "re")) {
+            if (std::fscanf(statm, "%ld %ld %ld", &total, &resident, &file) != 3)
+                resident = 0;
+            std::fclose(statm);
         }
-        row(qPrintable(QStringLiteral("frames shown of %1, film of %2").arg(film_frames).arg(QLatin1String(size))),
-            "frames", QStringLiteral("%1, of them %2 late").arg(times.size()).arg(late));
+        const double page_mb = static_cast<double>(sysconf(_SC_PAGESIZE)) / (1024 * 1024);
+        std::fprintf(table, "%d\t%.1f\t%.1f\n", film, static_cast<double>(resident) * page_mb,
+                     static_cast<double>(resident - file) * page_mb);
     }
 
     TavelVideo* window_;
     QDir films_;
+    PaintWatch paint_watch_;
     bool complete_ = true;
 };
+
+struct Part {
+    const char* name;
+    void (Bench::*measure)(int);
+};
+
+constexpr std::array<Part, 4> parts{{
+    {"handover", &Bench::measure_handovers},
+    {"seek", &Bench::measure_seeks},
+    {"films", &Bench::measure_films_in_a_row},
+    {"use", &Bench::measure_absences},
+}};
 
 /// The controls stay until they are told to go, and a film's end is the end.
 void write_settings()
@@ -293,20 +285,22 @@ void write_settings()
     config.setGroup(QStringLiteral("display"));
     config.writeEntry(QStringLiteral("menutime"), 0);
     config.setGroup(QStringLiteral("playback"));
-    config.writeEntry(QStringLiteral("next_action"), 0);
+    config.writeEntry(QStringLiteral("next_action"), 2);
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (argc < 2) {
-        std::fprintf(stderr, "usage: bench_player DIRECTORY [SECONDS [USE_SECONDS]]\n");
+    const auto* part = argc == 4 ? std::find_if(parts.begin(), parts.end(),
+                                                [&](const Part& each) { return std::string(argv[2]) == each.name; })
+                                 : parts.end();
+    if (part == parts.end()) {
+        std::fprintf(stderr, "usage: bench_player DIRECTORY handover TIMES | seek TIMES | films COUNT | use SECONDS\n");
         return 2;
     }
     const QDir films(QDir(QString::fromLocal8Bit(argv[1])).absolutePath());
-    const int seconds = argc > 2 ? std::atoi(argv[2]) : 10;
-    const int use_seconds = argc > 3 ? std::atoi(argv[3]) : 30;
+    const int amount = std::atoi(argv[3]);
     table = fdopen(dup(STDOUT_FILENO), "w");
     if (table == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr)
         return 2;
@@ -319,10 +313,11 @@ int main(int argc, char** argv)
     application.showMainWidget(window);
     Bench bench(window, films);
     QTimer::singleShot(600, window, [&] {
-        bench.measure(seconds, use_seconds);
+        (bench.*part->measure)(amount);
         window->postCustomEvent(player_event::close);
     });
     QPEApplication::exec();
     delete window;
+    std::fclose(table);
     return bench.complete() ? 0 : 1;
 }

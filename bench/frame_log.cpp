@@ -28,7 +28,6 @@ void FrameLog::note(const QImage& picture)
     const auto now = std::chrono::steady_clock::now();
     const QRgb mark = picture.pixel(picture.width() / 2, picture.height() / 2);
     const std::lock_guard lock(mutex_);
-    times_.push_back(now);
     if (awaited_ && is_near(mark, *awaited_)) {
         seen_ = now;
         awaited_.reset();

@@ -5,10 +5,9 @@
 #include <chrono>
 #include <mutex>
 #include <optional>
-#include <utility>
-#include <vector>
 
-/// What the engine gives to the video plane: noted on the engine's thread, read by the GUI thread.
+/// Waits for a picture among those that the engine gives to the video plane: noted on the engine's thread, read by the
+/// GUI thread.
 class FrameLog
 {
 public:
@@ -31,16 +30,8 @@ public:
         return seen_;
     }
 
-    /// When each frame came since the last call.
-    std::vector<std::chrono::steady_clock::time_point> take()
-    {
-        const std::lock_guard lock(mutex_);
-        return std::exchange(times_, {});
-    }
-
 private:
     mutable std::mutex mutex_;
-    std::vector<std::chrono::steady_clock::time_point> times_;
     std::optional<QRgb> awaited_;
     std::optional<std::chrono::steady_clock::time_point> seen_;
 };
