@@ -325,6 +325,8 @@ TAVEL_CALL(void, set_focus, "_ZN7QWidget8setFocusEN2Qt11FocusReasonE", (QWidget 
            (self, reason), widget_line("setFocus", self))
 TAVEL_CALL(void, activate, "_ZN12DeviceScreen8activateEP7QWidget", (DeviceScreen * self, QWidget* window),
            (self, window), line_of("activate", window->objectName()))
+TAVEL_CALL(void, raise_window, "_ZN12DeviceScreen12raise_windowEP7QWidget", (DeviceScreen * self, QWidget* window),
+           (self, window), line_of("raise", window->objectName()))
 
 // ---- events, transitions, other programs
 

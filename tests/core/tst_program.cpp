@@ -1,0 +1,67 @@
+#include "child_program.h"
+#include "qcop_channel.h"
+#include "test_main.h"
+
+/// The program itself, started as a user's system starts it: what the system says reaches the state chart.
+class ProgramTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        test_support::reset_directories();
+        said.clear();
+        player = std::make_unique<QProcess>();
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        // The chart's trace tells an event and where it led, a line each.
+        environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("tavel.chart.debug=true"));
+        player->setProcessEnvironment(environment);
+        player->setProcessChannelMode(QProcess::MergedChannels);
+        ChildProgram::start_built(*player, QStringLiteral(PLAYER_PROGRAM), {});
+        QTRY_VERIFY2_WITH_TIMEOUT(says("2101: get_file_state -> no_file_state"), said.constData(), limit_ms);
+    }
+    void cleanup()
+    {
+        player->kill();
+        player->waitForFinished();
+        player.reset();
+    }
+
+    void the_systems_reload_reaches_the_chart()
+    {
+        QVERIFY(!says("2100: "));
+        tell_system("reload()");
+        QTRY_VERIFY2_WITH_TIMEOUT(says("2100: no_file_state -> no_file_state"), said.constData(), limit_ms);
+        QCOMPARE(player->state(), QProcess::Running);
+    }
+
+    void the_systems_flush_ends_the_program()
+    {
+        tell_system("flush()");
+        QTRY_VERIFY2_WITH_TIMEOUT(says("2008: no_file_state -> exit_state"), said.constData(), limit_ms);
+        QVERIFY(player->waitForFinished(limit_ms));
+        QCOMPARE(player->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(player->exitCode(), 0);
+    }
+
+private:
+    static constexpr int limit_ms = 60'000;
+
+    bool says(const char* text)
+    {
+        said += player->readAll();
+        return said.contains(text);
+    }
+    static void tell_system(const char* message)
+    {
+        QCopChannel::send("QPE/System", message);
+        QCopChannel::flush();
+    }
+
+    std::unique_ptr<QProcess> player;
+    QByteArray said;
+};
+
+TAVEL_TEST_MAIN(ProgramTest)
+#include "tst_program.moc"
