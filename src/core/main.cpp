@@ -1,3 +1,4 @@
+#include "engine_loader.h"
 #include "qpe_application.h"
 #include "tavel_video.h"
 #include "translation.h"
@@ -10,6 +11,7 @@ int main(int argc, char** argv)
     // One heap for all threads: the engine's many threads allocate little, and a heap for each costs some megabytes.
     mallopt(M_ARENA_MAX, 1);
     QPEApplication application(argc, argv);
+    begin_to_load_engine();
     install_translation(application);
     const auto window = std::make_unique<TavelVideo>(nullptr, "tavel_video", 16);
     application.showMainWidget(window.get());

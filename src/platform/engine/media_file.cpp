@@ -160,7 +160,8 @@ double MediaFile::frame_rate() const
     return infos[QStringLiteral("video")][QStringLiteral("framerate")].toDouble();
 }
 
-MediaFile MediaFile::look_within(const QByteArray& path, std::chrono::milliseconds limit, const std::stop_token& stop)
+MediaFile MediaFile::look_within(const QByteArray& path, std::chrono::milliseconds limit, const std::stop_token& stop,
+                                 const MediaFile& known)
 {
     struct Shared {
         std::atomic<bool> cancelled = false;
@@ -168,8 +169,9 @@ MediaFile MediaFile::look_within(const QByteArray& path, std::chrono::millisecon
         MediaFile file; ///< guarded by mutex
     };
     const auto shared = std::make_shared<Shared>();
-    BackgroundTask task([shared, path] {
-        MediaFile file = look(path, shared->cancelled);
+    BackgroundTask task([shared, path, known] {
+        const bool same = known.status == rask::ok && known.path == path && known.identity == identify(path);
+        MediaFile file = same ? known : look(path, shared->cancelled);
         const std::lock_guard lock(shared->mutex);
         shared->file = std::move(file);
     });

@@ -55,20 +55,22 @@ public:
         std::optional<std::vector<SubtitleTrack>> beside; ///< nothing when they take long to read
     };
 
-    static Findings look_into(const QByteArray& path);
+    static Findings look_into(const QByteArray& path, const MediaFile& known);
     bool is_open() const { return file.status == rask::ok; }
     void forget_file();
 
     std::shared_ptr<Playback> playback; ///< null after release()
     MediaFile file;
+    MediaFile last_file; ///< the one that was opened last, as it was found
     std::unique_ptr<SubtitleStore> subtitles;
     std::shared_ptr<SubtitleStore::Hook> subtitles_ready = std::make_shared<SubtitleStore::Hook>();
 };
 
-MediaPlayer::Private::Findings MediaPlayer::Private::look_into(const QByteArray& path)
+/// @param known what was found before; a file that is still the same is not looked into again, only what is beside it.
+MediaPlayer::Private::Findings MediaPlayer::Private::look_into(const QByteArray& path, const MediaFile& known)
 {
     Findings findings;
-    findings.file = MediaFile::look_within(path, open_limit);
+    findings.file = MediaFile::look_within(path, open_limit, {}, known);
     if (findings.file.status != rask::ok)
         return findings;
 
@@ -214,11 +216,12 @@ unsigned MediaPlayer::open(const char* file_name)
     if (!d->playback)
         return rask::wrong_state;
     MediaPlayer::close();
-    Private::Findings findings = Private::look_into(absolute_path(file_name));
+    Private::Findings findings = Private::look_into(absolute_path(file_name), d->last_file);
     d->subtitles.reset();
     if (findings.file.status != rask::ok)
         return findings.file.status;
     d->file = std::move(findings.file);
+    d->last_file = d->file;
     d->subtitles = std::make_unique<SubtitleStore>(SubtitleStore::Sources{
         QFile::decodeName(d->file.path), d->file.frame_rate(), d->file.text_streams, std::move(findings.beside)});
     d->file.infos[QStringLiteral("container")][QStringLiteral("subtitle_streams")] =

@@ -4,6 +4,7 @@
 #include "device_screen.h"
 #include "qcop_envelope.h"
 #include "qpe_directory.h"
+#include "shell.h"
 #include "system_agent.h"
 
 #include <QAbstractEventDispatcher>
@@ -93,6 +94,7 @@ QPEApplication::QPEApplication(int& argc, char** argv) : QApplication(argc, argv
     // The toolkit took the user's locale over; decimal points in the player's and the decoder's texts are points.
     std::setlocale(LC_NUMERIC, "C");
     take_signals();
+    Shell::start();
     files_ = files_of(arguments().mid(1));
     instance_channel_ = std::make_unique<QCopChannel>(instance_name);
     if (!instance_channel_->is_first() || QCopChannel::isRegistered(player_channel))

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <cerrno>
+#include <condition_variable>
 #include <csignal>
 #include <mutex>
 #include <spawn.h>
@@ -20,8 +21,9 @@ constexpr char sync_command[] = "sync";
 
 struct SyncState {
     std::mutex mutex;
-    bool running = false; // guarded by mutex
-    bool again = false;   // guarded by mutex
+    std::condition_variable asked;
+    bool started = false; // guarded by mutex: the thread is there
+    bool wanted = false;  // guarded by mutex: one more run is asked for
 };
 
 // Never destroyed: a slow disk may keep the thread longer than the program lives.
@@ -47,10 +49,8 @@ std::function<int(const QByteArray&)> recorder_copy()
 }
 
 // Not ::system(), which makes the whole program deaf to SIGINT and SIGCHLD as long as the command runs.
-int run(const QByteArray& command)
+int run(const char* program, char* const* arguments)
 {
-    if (command.contains('\0'))
-        return -1;
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     sigset_t none;
@@ -62,12 +62,8 @@ int run(const QByteArray& command)
     posix_spawnattr_setsigmask(&attributes, &none);
     posix_spawnattr_setsigdefault(&attributes, &reset);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-    QByteArray text = command;
-    char shell[] = "sh";
-    char option[] = "-c";
-    char* arguments[] = {shell, option, text.data(), nullptr};
     pid_t child = -1;
-    const int failure = posix_spawn(&child, "/bin/sh", nullptr, &attributes, arguments, environ);
+    const int failure = posix_spawnp(&child, program, nullptr, &attributes, arguments, environ);
     posix_spawnattr_destroy(&attributes);
     if (failure != 0)
         return -1;
@@ -79,17 +75,35 @@ int run(const QByteArray& command)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-void sync_until_nobody_asks()
+int run_in_shell(const QByteArray& command)
+{
+    if (command.contains('\0'))
+        return -1;
+    QByteArray text = command;
+    char shell[] = "sh";
+    char option[] = "-c";
+    char* arguments[] = {shell, option, text.data(), nullptr};
+    return run("/bin/sh", arguments);
+}
+
+// A shell between would only cost time.
+void run_sync()
+{
+    char program[] = "sync";
+    char* arguments[] = {program, nullptr};
+    run(program, arguments);
+}
+
+void sync_when_asked()
 {
     SyncState& state = sync_state();
+    std::unique_lock lock(state.mutex);
     for (;;) {
-        run(sync_command);
-        const std::lock_guard lock(state.mutex);
-        if (!state.again) {
-            state.running = false;
-            return;
-        }
-        state.again = false;
+        state.asked.wait(lock, [&state] { return state.wanted; });
+        state.wanted = false;
+        lock.unlock();
+        run_sync();
+        lock.lock();
     }
 }
 
@@ -110,7 +124,7 @@ int Shell::system(const QByteArray& command)
     }
     if (const auto recorder = recorder_copy())
         return recorder(command);
-    return run(command);
+    return run_in_shell(command);
 }
 
 QByteArray Shell::quote(const QString& path)
@@ -136,14 +150,20 @@ void Shell::sync()
         recorder(sync_command);
         return;
     }
+    start();
     SyncState& state = sync_state();
     const std::lock_guard lock(state.mutex);
-    if (state.running) {
-        state.again = true;
+    state.wanted = true;
+    state.asked.notify_one();
+}
+
+void Shell::start()
+{
+    SyncState& state = sync_state();
+    const std::lock_guard lock(state.mutex);
+    if (std::exchange(state.started, true))
         return;
-    }
-    state.running = true;
-    std::thread(sync_until_nobody_asks).detach();
+    std::thread(sync_when_asked).detach();
 }
 
 void Shell::set_recorder(std::function<int(const QByteArray&)> recorder)

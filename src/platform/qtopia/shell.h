@@ -23,6 +23,9 @@ bool make_directory(const QString& path);
 /// answered by one more run after it.
 void sync();
 
+/// Starts that thread; without it the first sync() does, which may have to wait where another thread loads libraries.
+void start();
+
 /// Tests see each command, on the thread that asks for it, instead of having it run; the result is what system()
 /// returns. An empty function restores the shell.
 void set_recorder(std::function<int(const QByteArray&)> recorder);

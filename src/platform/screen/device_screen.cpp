@@ -174,7 +174,9 @@ void DeviceScreen::embed(QWidget* widget)
         inner->deleteLater();
     }
     auto* item = new WindowItem(m_user);
-    // A visible item would show the window at once.
+    // The toolkit would show a window that was neither shown nor hidden yet.
+    if (!widget->isVisible())
+        widget->hide();
     item->setVisible(widget->isVisible());
     item->setWidget(widget);
     // The toolkit copies the window's limits once; later ones would hold the item back while the window grows.

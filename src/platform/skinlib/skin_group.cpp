@@ -32,8 +32,7 @@ QString SkinGroup::text(const QString& key) const
 
 QStringList SkinGroup::words(const QString& key) const
 {
-    static const QRegularExpression blanks(QStringLiteral("\\s+"));
-    return text(key).split(blanks, Qt::SkipEmptyParts);
+    return text(key).simplified().split(u' ', Qt::SkipEmptyParts);
 }
 
 QImage SkinGroup::image(const QString& key) const
