@@ -226,6 +226,24 @@ private slots:
         QCOMPARE(bench.player.open(QFile::encodeName(film).constData()), rask::no_such_file);
     }
 
+    void a_film_that_has_changed_is_looked_into_again()
+    {
+        QTemporaryDir directory;
+        const QString film = test_films::copy(QStringLiteral("h264.mkv"), directory.path(), QStringLiteral("film.mkv"));
+        Bench bench;
+        QVERIFY(bench.open(film));
+        QVERIFY(bench.open(film));
+        QCOMPARE(bench.player.get_info("video", "width"), QStringLiteral("480"));
+        QVERIFY(QFile::remove(film));
+        test_films::copy(QStringLiteral("sound_only.m4a"), directory.path(), QStringLiteral("film.mkv"));
+        QCOMPARE(bench.player.open(QFile::encodeName(film).constData()), rask::no_video);
+        QVERIFY(!bench.player.has_info("video"));
+        QVERIFY(QFile::remove(film));
+        test_films::copy(QStringLiteral("h264.mkv"), directory.path(), QStringLiteral("film.mkv"));
+        QVERIFY(bench.open(film));
+        QCOMPARE(bench.player.get_info("video", "width"), QStringLiteral("480"));
+    }
+
     void a_film_removed_between_opening_and_loading_is_told()
     {
         QTemporaryDir directory;

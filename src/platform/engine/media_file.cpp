@@ -161,7 +161,7 @@ double MediaFile::frame_rate() const
 }
 
 MediaFile MediaFile::look_within(const QByteArray& path, std::chrono::milliseconds limit, const std::stop_token& stop,
-                                 const MediaFile& known)
+                                 const MediaFile* known)
 {
     struct Shared {
         std::atomic<bool> cancelled = false;
@@ -169,9 +169,9 @@ MediaFile MediaFile::look_within(const QByteArray& path, std::chrono::millisecon
         MediaFile file; ///< guarded by mutex
     };
     const auto shared = std::make_shared<Shared>();
-    BackgroundTask task([shared, path, known] {
-        const bool same = known.status == rask::ok && known.path == path && known.identity == identify(path);
-        MediaFile file = same ? known : look(path, shared->cancelled);
+    BackgroundTask task([shared, path, before = known ? *known : MediaFile()] {
+        const bool same = before.status == rask::ok && before.path == path && before.identity == identify(path);
+        MediaFile file = same ? before : look(path, shared->cancelled);
         const std::lock_guard lock(shared->mutex);
         shared->file = std::move(file);
     });

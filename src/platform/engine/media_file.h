@@ -33,9 +33,9 @@ struct MediaFile {
 
     /// The same within @p limit, whatever the disk does.
     /// @param stop ends it early, as far as the disk answers
-    /// @param known what an earlier look found; a file that has not changed since is not looked into again
+    /// @param known what an earlier look found, or null; a file that has not changed since is not looked into again
     static MediaFile look_within(const QByteArray& path, std::chrono::milliseconds limit,
-                                 const std::stop_token& stop = {}, const MediaFile& known = {});
+                                 const std::stop_token& stop = {}, const MediaFile* known = nullptr);
 
     /// Pictures a second; 0 when unknown.
     double frame_rate() const;

@@ -70,7 +70,7 @@ public:
 MediaPlayer::Private::Findings MediaPlayer::Private::look_into(const QByteArray& path, const MediaFile& known)
 {
     Findings findings;
-    findings.file = MediaFile::look_within(path, open_limit, {}, known);
+    findings.file = MediaFile::look_within(path, open_limit, {}, &known);
     if (findings.file.status != rask::ok)
         return findings;
 

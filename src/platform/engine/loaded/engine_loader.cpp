@@ -2,6 +2,8 @@
 
 #include "engine_module.h"
 #include "sound_output.h"
+#include "text_codec.h"
+#include "video_plane.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -25,6 +27,10 @@ extern "C" {
 
 namespace
 {
+
+// The module finds these in the program; the linker would leave them out of one that does not use them itself.
+[[gnu::used]] VideoPlane& (*const video_plane)() = &VideoPlane::instance;
+[[gnu::used]] const auto text_codecs = &QTextCodec::codecForName;
 
 #define TAVEL_LIBRARY(name, version) "lib" name ".so." AV_STRINGIFY(version)
 
