@@ -154,8 +154,6 @@ SettingBase::SettingBase(QWidget* parent, const char* name, unsigned int flags) 
     }
     connect(setting_tab, &QTabWidget::currentChanged, this, qOverload<>(&QWidget::update));
     new KeyPadNavigator(this);
-    // Last: under a style sheet a widget would not take up the font of what it is put into.
-    setStyleSheet(QString::fromLatin1(style_sheet));
 }
 
 QRect SettingBase::picture_rectangle() const
@@ -209,6 +207,10 @@ void SettingBase::paintEvent(QPaintEvent*)
 
 void SettingBase::showEvent(QShowEvent* event)
 {
+    // Not before the form is first seen: it takes time and memory, which a viewer who never opens it does not owe. And
+    // not before the tree is whole: under a style sheet a widget would not take up the font of what it is put into.
+    if (styleSheet().isEmpty())
+        setStyleSheet(QString::fromLatin1(style_sheet));
     QWidget::showEvent(event);
     setFocus(Qt::OtherFocusReason);
 }
