@@ -49,6 +49,14 @@ QByteArray encoded(const QString& text, SubtitleEncoding encoding)
     return encoding == SubtitleEncoding::Utf8 ? text.toUtf8() : QTextCodec::codecForName("CP949")->fromUnicode(text);
 }
 
+void make_film(const QStringList& arguments, const QString& film)
+{
+    QProcess ffmpeg;
+    ffmpeg.start(QStringLiteral("ffmpeg"), QStringList{"-v", "error", "-y"} + arguments + QStringList{film});
+    QVERIFY(ffmpeg.waitForFinished(30000));
+    QVERIFY2(ffmpeg.exitCode() == 0, ffmpeg.readAllStandardError().constData());
+}
+
 } // namespace
 
 class TstSubtitleReader : public QObject
@@ -232,16 +240,44 @@ private slots:
                               "1\n00:00:01,000 --> 00:00:02,000\n<i>한글</i>, one\ntwo\n\n"
                               "2\n00:00:03,000 --> 00:00:03,500\ncafé مرحبا\n"));
         const QString film = shelf.path(QStringLiteral("film.") + container);
-        QProcess ffmpeg;
-        ffmpeg.start(QStringLiteral("ffmpeg"),
-                     QStringList{"-v", "error", "-y", "-i", shelf.path(QStringLiteral("in.srt")), "-map", "0:s", "-map",
-                                 "0:s", "-metadata:s:s:0", "language=kor", "-metadata:s:s:1", "language=eng"} +
-                         codec + QStringList{film});
-        QVERIFY(ffmpeg.waitForFinished(30000));
-        QVERIFY2(ffmpeg.exitCode() == 0, ffmpeg.readAllStandardError().constData());
+        make_film(QStringList{"-i", shelf.path(QStringLiteral("in.srt")), "-map", "0:s", "-map", "0:s",
+                              "-metadata:s:s:0", "language=kor", "-metadata:s:s:1", "language=eng"} +
+                      codec,
+                  film);
         const QByteArray lines = "1000\t2000\t한글, one\\ntwo\n3000\t3500\tcafé مرحبا\n";
         QByteArray read = track_text(read_embedded_subtitles(film, never));
         QCOMPARE(read, "track\tkor\n" + lines + "track\teng\n" + lines);
+    }
+
+    void streams_without_a_language_are_named_by_title_or_number()
+    {
+        const Shelf shelf({QStringLiteral("in.srt")});
+        const QString film = shelf.path(QStringLiteral("film.mp4"));
+        make_film({"-i", shelf.path(QStringLiteral("in.srt")), "-map", "0:s", "-map", "0:s", "-c:s", "mov_text"}, film);
+        const std::vector<SubtitleTrack> tracks = read_embedded_subtitles(film, never);
+        QCOMPARE(tracks.size(), std::size_t(2));
+        QCOMPARE(tracks.front().name, QStringLiteral("1"));
+        QCOMPARE(tracks.back().name, QStringLiteral("2"));
+
+        const QString titled = shelf.path(QStringLiteral("film.mkv"));
+        make_film({"-i", shelf.path(QStringLiteral("in.srt")), "-metadata:s:s:0", "language=und", "-metadata:s:s:0",
+                   "title=한글", "-c:s", "srt"},
+                  titled);
+        QCOMPARE(read_embedded_subtitles(titled, never).front().name, QStringLiteral("한글"));
+    }
+
+    void a_stream_line_that_ends_before_it_begins_lasts_to_the_next()
+    {
+        const Shelf shelf({});
+        QVERIFY(write_content(shelf.path(QStringLiteral("in.ass")),
+                              "[Script Info]\n[Events]\n"
+                              "Format: Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\n"
+                              "Dialogue: 0,0:00:02.00,0:00:01.00,D,,0,0,0,,{\\k20}Back{\\k30}wards, one\n"
+                              "Dialogue: 0,0:00:03.00,0:00:04.00,D,,0,0,0,,{\\p1}m 0 0{\\p0}Next\n"));
+        const QString film = shelf.path(QStringLiteral("film.mkv"));
+        make_film({"-i", shelf.path(QStringLiteral("in.ass")), "-c:s", "ass"}, film);
+        QCOMPARE(track_text(read_embedded_subtitles(film, never)),
+                 QByteArray("track\t1\n2000\t3000\tBackwards, one\n3000\t4000\tNext\n"));
     }
 
     void a_cancelled_reading_ends_at_once()

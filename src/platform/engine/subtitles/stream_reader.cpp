@@ -123,8 +123,11 @@ void add_packet(Stream& stream, AVPacket& packet)
     constexpr AVRational milliseconds = {1, 1000};
     RawLine line;
     line.start = av_rescale_q(packet.pts, stream.time_base, milliseconds);
-    if (packet.duration > 0)
-        line.end = line.start + av_rescale_q(packet.duration, stream.time_base, milliseconds);
+    // Some programs wrap an end before the start round to one many days later.
+    constexpr long long longest = 24LL * 60 * 60 * 1000;
+    const long long duration = av_rescale_q(packet.duration, stream.time_base, milliseconds);
+    if (duration > 0 && duration <= longest)
+        line.end = line.start + duration;
     const QByteArrayView bytes(packet.data, packet.size);
     line.text = stream.decoder                         ? decoded_text(stream.decoder.get(), packet)
                 : stream.codec == AV_CODEC_ID_MOV_TEXT ? mov_text(bytes)
@@ -164,7 +167,7 @@ std::map<int, Stream> text_streams(AVFormatContext& format)
         stream.codec = parameters.codec_id;
         stream.time_base = source.time_base;
         const AVDictionaryEntry* language = av_dict_get(source.metadata, "language", nullptr, 0);
-        if (!language)
+        if (!language || std::strcmp(language->value, "und") == 0)
             language = av_dict_get(source.metadata, "title", nullptr, 0);
         stream.name = language ? QString::fromUtf8(language->value) : QString::number(streams.size() + 1);
         const AVCodec* const codec = avcodec_find_decoder(parameters.codec_id);
