@@ -3,6 +3,7 @@
 #include "films.h"
 #include "media_player.h"
 #include "report_recorder.h"
+#include "test_main.h"
 #include "video_plane.h"
 
 #include <QDir>
@@ -35,7 +36,7 @@ struct Bench {
     {
         recorder.clear();
         return player.seek(SeekMode::Forward, target) == rask::ok &&
-               recorder.wait_for_reports(1, std::chrono::seconds(6));
+               recorder.wait_for_reports(1, std::chrono::milliseconds(test_support::stretched(6000)));
     }
 
     /// Waits until the film has moved @p film_time further than it is now.
@@ -43,7 +44,7 @@ struct Bench {
     {
         const Time from = std::max<Time>(recorder.position(), 0);
         return recorder.wait_for_position([=](Time position) { return position >= from + film_time; },
-                                          std::chrono::milliseconds(10000 + 10 * film_time));
+                                          std::chrono::milliseconds((10000 + 10 * film_time) * TAVEL_WAIT_FACTOR));
     }
 
     /// The picture on the plane; null when it is black.
@@ -72,7 +73,7 @@ struct Bench {
     {
         qsizetype entries = count(folder);
         QDeadlineTimer still(500);
-        for (const QDeadlineTimer limit(10000); !still.hasExpired() && !limit.hasExpired();) {
+        for (const QDeadlineTimer limit(test_support::stretched(10000)); !still.hasExpired() && !limit.hasExpired();) {
             QTest::qWait(20); // between two looks
             if (const qsizetype now = count(folder); now != entries) {
                 entries = now;

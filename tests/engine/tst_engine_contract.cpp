@@ -210,6 +210,7 @@ private slots:
         QFETCH(QString, reports);
         QFETCH(QString, when);
         QFETCH(int, within);
+        within = test_support::stretched(within);
         QVERIFY(operations.contains(operation));
         QVERIFY(states.contains(state));
         QVERIFY(answers.contains(answer));

@@ -187,7 +187,7 @@ private slots:
         QVERIFY(!shared->ended);
         shared->released = true;
         shared->changed.notify_all();
-        QVERIFY(shared->changed.wait_for(lock, 10s, [&] { return shared->ended; }));
+        QVERIFY(shared->changed.wait_for(lock, 10s * TAVEL_WAIT_FACTOR, [&] { return shared->ended; }));
     }
 
     void a_task_that_was_never_given_is_done()

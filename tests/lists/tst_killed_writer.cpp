@@ -150,13 +150,13 @@ void TestKilledWriter::kill_writer(const char* work, int after_lines, int then_w
                               {QStringLiteral("--writer"), QString::fromLatin1(work)});
     int lines = 0;
     while (lines < after_lines) {
-        QVERIFY(writer.waitForReadyRead(30000));
+        QVERIFY(writer.waitForReadyRead(test_support::stretched(30000)));
         lines += static_cast<int>(writer.readAllStandardOutput().count('\n'));
     }
     // Not to wait for anything, but to hit another instruction each time.
     QThread::usleep(static_cast<unsigned long>(then_wait_us));
     writer.kill();
-    QVERIFY(writer.waitForFinished(30000));
+    QVERIFY(writer.waitForFinished(test_support::stretched(30000)));
     QCOMPARE(writer.exitStatus(), QProcess::CrashExit);
 }
 

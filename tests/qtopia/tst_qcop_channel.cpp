@@ -204,7 +204,7 @@ void TestQCopChannel::the_message_of_a_program_that_died_arrives()
     collect(channel, messages);
     ChildProgram program;
     program.start_role("send_and_die", {QString::fromLatin1(channel_name), QStringLiteral("/a.avi\n")});
-    QVERIFY(program.waitForFinished());
+    QVERIFY(program.waitForFinished(test_support::stretched(30000)));
     QCOMPARE(program.exitStatus(), QProcess::CrashExit);
     QTRY_COMPARE(messages, (Messages{{"transmit_filename(QString)", encoded(QStringLiteral("/a.avi\n"))}}));
 }
@@ -234,10 +234,10 @@ void TestQCopChannel::a_channel_of_a_killed_program_is_not_registered()
     QTRY_COMPARE(second.lines().size(), 1);
     QVERIFY(QCopChannel::isRegistered(channel_name));
     first.kill();
-    QVERIFY(first.waitForFinished());
+    QVERIFY(first.waitForFinished(test_support::stretched(30000)));
     QVERIFY(QCopChannel::isRegistered(channel_name));
     second.kill();
-    QVERIFY(second.waitForFinished());
+    QVERIFY(second.waitForFinished(test_support::stretched(30000)));
     QTRY_VERIFY(!QCopChannel::isRegistered(channel_name));
 }
 
@@ -269,7 +269,7 @@ void TestQCopChannel::the_program_that_was_first_is_known()
     const QCopChannel channel(channel_name);
     QVERIFY(!channel.is_first());
     program.kill();
-    QVERIFY(program.waitForFinished());
+    QVERIFY(program.waitForFinished(test_support::stretched(30000)));
     QTRY_VERIFY(channel.is_first());
     ChildProgram later;
     later.start_role("listen", {QString::fromLatin1(channel_name)});

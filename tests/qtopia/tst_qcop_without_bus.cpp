@@ -29,7 +29,7 @@ private slots:
             envelope << static_cast<quint8>(1);
         }
         QVERIFY(spy.isEmpty());
-        QVERIFY(spy.wait());
+        QVERIFY(spy.wait(test_support::stretched(5000)));
         QCOMPARE(spy.size(), 1);
         QCOMPARE(spy[0][0].toByteArray(), QByteArray("DoScreenChange(unsigned char)"));
         QCOMPARE(spy[0][1].toByteArray(), QByteArray("\x01"));
@@ -51,7 +51,7 @@ private slots:
         QVERIFY(QCopChannel::send("QPE/System", "preventLCDOff()"));
         QVERIFY(QCopChannel::send("QPE/System", "releaseLCDOff()"));
         QVERIFY(QCopChannel::send("QPE/System", "reload()"));
-        QVERIFY(reload.wait());
+        QVERIFY(reload.wait(test_support::stretched(5000)));
     }
 
 public:

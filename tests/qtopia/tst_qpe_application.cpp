@@ -100,7 +100,7 @@ void TestQPEApplication::a_second_start_hands_its_files_over_and_ends_with_0()
     QTRY_COMPARE(first.lines(), (QList<QByteArray>{"made", "ready"}));
     ChildProgram second;
     second.start_role("play", {QStringLiteral("/a.avi"), QStringLiteral("b.avi")});
-    QVERIFY(second.waitForFinished());
+    QVERIFY(second.waitForFinished(test_support::stretched(30000)));
     QCOMPARE(second.exitStatus(), QProcess::NormalExit);
     QCOMPARE(second.exitCode(), 0);
     QVERIFY(second.lines().isEmpty());
@@ -115,7 +115,7 @@ void TestQPEApplication::a_second_start_without_files_ends_with_0()
     QTRY_COMPARE(first.lines(), (QList<QByteArray>{"made", "ready"}));
     ChildProgram second;
     second.start_role("play", {});
-    QVERIFY(second.waitForFinished());
+    QVERIFY(second.waitForFinished(test_support::stretched(30000)));
     QCOMPARE(second.exitCode(), 0);
     QVERIFY(second.lines().isEmpty());
     // What comes behind shows that nothing was sent to the first.
@@ -137,7 +137,7 @@ void TestQPEApplication::a_second_start_waits_for_a_first_that_is_still_starting
     QVERIFY(!second.waitForFinished(300));
     QFile file(go);
     QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(second.waitForFinished());
+    QVERIFY(second.waitForFinished(test_support::stretched(30000)));
     QCOMPARE(second.exitCode(), 0);
     QTRY_COMPARE(first.lines(), (QList<QByteArray>{"made", "ready", "transmit_filename(QString) /a.avi|"}));
 }
@@ -148,7 +148,7 @@ void TestQPEApplication::a_player_starts_again_after_one_was_killed()
     first.start_role("play", {});
     QTRY_COMPARE(first.lines().size(), 2);
     first.kill();
-    QVERIFY(first.waitForFinished());
+    QVERIFY(first.waitForFinished(test_support::stretched(30000)));
     QTRY_VERIFY(!QCopChannel::isRegistered("QPE/Brevaton/video"));
     ChildProgram second;
     second.start_role("play", {});
@@ -170,7 +170,7 @@ void TestQPEApplication::signals_ask_to_flush()
     player.start_role("play", {});
     QTRY_COMPARE(player.lines().size(), 2);
     QCOMPARE(::kill(static_cast<pid_t>(player.processId()), number), 0);
-    QVERIFY(player.waitForFinished());
+    QVERIFY(player.waitForFinished(test_support::stretched(30000)));
     QCOMPARE(player.exitStatus(), QProcess::NormalExit);
     QCOMPARE(player.lines(), (QList<QByteArray>{"made", "ready", "flush", "end"}));
 }
@@ -181,7 +181,7 @@ void TestQPEApplication::a_signal_without_a_receiver_ends_the_program()
     tool.start_role("tool");
     QTRY_COMPARE(tool.lines(), QList<QByteArray>{"ready"});
     QCOMPARE(::kill(static_cast<pid_t>(tool.processId()), SIGTERM), 0);
-    QVERIFY(tool.waitForFinished());
+    QVERIFY(tool.waitForFinished(test_support::stretched(30000)));
     QCOMPARE(tool.exitStatus(), QProcess::NormalExit);
     QCOMPARE(tool.exitCode(), 0);
 }
@@ -204,7 +204,7 @@ void TestQPEApplication::closing_the_host_window_asks_the_main_widget()
 {
     ChildProgram tool;
     tool.start_role("window");
-    QVERIFY(tool.waitForFinished());
+    QVERIFY(tool.waitForFinished(test_support::stretched(30000)));
     QCOMPARE(tool.lines(), (QList<QByteArray>{"embedded", "event 2007"}));
     QCOMPARE(tool.exitCode(), 0);
 }
@@ -223,7 +223,7 @@ void TestQPEApplication::the_last_window_does_not_end_the_program()
 {
     ChildProgram tool;
     tool.start_role("last_window");
-    QVERIFY(tool.waitForFinished());
+    QVERIFY(tool.waitForFinished(test_support::stretched(30000)));
     QCOMPARE(tool.lines(), (QList<QByteArray>{"closed", "still there"}));
 }
 
@@ -233,7 +233,7 @@ void TestQPEApplication::decimal_points_are_points()
     qputenv("LC_ALL", "de_DE.UTF-8");
     tool.start_role("locale");
     qputenv("LC_ALL", "C.UTF-8");
-    QVERIFY(tool.waitForFinished());
+    QVERIFY(tool.waitForFinished(test_support::stretched(30000)));
     QCOMPARE(tool.lines(), QList<QByteArray>{"C"});
 }
 

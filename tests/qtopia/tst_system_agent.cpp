@@ -188,7 +188,8 @@ void TestSystemAgent::without_a_screen_saver_it_is_said_once()
         [](QtMsgType, const QMessageLogContext&, const QString& text) { collected->append(text); });
     QVERIFY(QCopChannel::send("QPE/System", "preventLCDOff()"));
     QVERIFY(!agent_->screen_saver().is_refused());
-    const bool again = QTest::qWaitFor([&] { return agent_->screen_saver().is_refused(); });
+    const bool again =
+        QTest::qWaitFor([&] { return agent_->screen_saver().is_refused(); }, test_support::stretched(5000));
     qInstallMessageHandler(old);
     QVERIFY(again);
     QCOMPARE(messages, QStringList());
@@ -214,7 +215,7 @@ void TestSystemAgent::a_program_of_the_bin_directory_is_started_before_send_retu
     const QByteArray expected = "0 " + directory_->path().toUtf8() + "/\n";
     QElapsedTimer timer;
     timer.start();
-    while (content(file(QStringLiteral("log"))) != expected && timer.elapsed() < 10000)
+    while (content(file(QStringLiteral("log"))) != expected && timer.elapsed() < test_support::stretched(10000))
         std::this_thread::yield();
     QCOMPARE(content(file(QStringLiteral("log"))), expected);
 }
@@ -229,7 +230,7 @@ void TestSystemAgent::a_program_that_runs_is_asked_to_come_forward_and_not_start
     QTRY_COMPARE(content(file(QStringLiteral("log"))), once);
     QVERIFY(spy.isEmpty());
     execute(QStringLiteral("glossa"));
-    QVERIFY(spy.wait());
+    QVERIFY(spy.wait(test_support::stretched(5000)));
     QCOMPARE(spy[0][0].toByteArray(), QByteArray("raise()"));
     // Once it has ended it is started anew.
     write(file(QStringLiteral("go")), "");
@@ -275,7 +276,7 @@ void TestSystemAgent::requests_of_other_programs_are_answered()
     const ScreenSaverDouble saver;
     ChildProgram other;
     other.start_role("ask");
-    QVERIFY(other.waitForFinished());
+    QVERIFY(other.waitForFinished(test_support::stretched(30000)));
     QTRY_COMPARE(saver.holders(), 1);
 }
 

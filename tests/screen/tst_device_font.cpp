@@ -14,6 +14,7 @@ private slots:
     void initTestCase();
     void v28_in_any_case_is_nanum_gothic();
     void one_point_is_one_pixel();
+    void a_text_is_as_wide_whatever_the_host_does_to_letters();
     void old_weights_keep_their_meaning_data();
     void old_weights_keep_their_meaning();
     void other_families_are_the_hosts();
@@ -39,6 +40,17 @@ void TstDeviceFont::one_point_is_one_pixel()
     for (int points : {17, 20, 24, 28})
         QCOMPARE(QFontInfo(device_font(QStringLiteral("v28"), points, 50)).pixelSize(), points);
     QCOMPARE(device_font(QStringLiteral("v28"), 0, 50).pixelSize(), 1);
+}
+
+void TstDeviceFont::a_text_is_as_wide_whatever_the_host_does_to_letters()
+{
+    const QFont font = device_font(QStringLiteral("v28"), 14, 50);
+    QCOMPARE(font.hintingPreference(), QFont::PreferVerticalHinting);
+    // Letters are fitted to the pixels' rows only: their widths are those of the design, which add up.
+    const QString text = QStringLiteral("Menu Display Time");
+    QFont design = font;
+    design.setHintingPreference(QFont::PreferNoHinting);
+    QCOMPARE(QFontMetrics(font).horizontalAdvance(text), QFontMetrics(design).horizontalAdvance(text));
 }
 
 void TstDeviceFont::old_weights_keep_their_meaning_data()

@@ -27,7 +27,7 @@ int show_display(int argc, char** argv)
     window.show();
     QElapsedTimer clock;
     clock.start();
-    while (VideoPlane::instance().pixel_size().isEmpty() && clock.elapsed() < 5000)
+    while (VideoPlane::instance().pixel_size().isEmpty() && clock.elapsed() < test_support::stretched(5000))
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
     const auto print = [](const char* name, const QString& value) { std::printf("%s=%s\n", name, qPrintable(value)); };
     const auto print_size = [&](const char* name, QSize size) {
@@ -75,7 +75,8 @@ Report report_of(const QString& platform, const QStringList& arguments = {})
     process.setProcessEnvironment(environment);
     ChildProgram::start_built(process, QCoreApplication::applicationFilePath(),
                               QStringList{QStringLiteral("--display")} + arguments);
-    if (!process.waitForFinished(30'000) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
+    if (!process.waitForFinished(test_support::stretched(30'000)) || process.exitStatus() != QProcess::NormalExit ||
+        process.exitCode() != 0) {
         process.kill();
         process.waitForFinished();
         qWarning("%s: %s", qPrintable(platform), process.readAllStandardError().constData());

@@ -54,7 +54,7 @@ private slots:
         QVERIFY(QFile::copy(translation_file, copy));
         QProcess lupdate;
         lupdate.start(QStringLiteral(LUPDATE), {"-silent", "-no-obsolete", "-locations", "none", SOURCES, "-ts", copy});
-        QVERIFY(lupdate.waitForFinished(50000));
+        QVERIFY(lupdate.waitForFinished(test_support::stretched(50000)));
         QVERIFY2(lupdate.exitCode() == 0, lupdate.readAllStandardError().constData());
         const QList<Message> messages = messages_of(copy);
         QVERIFY(messages.size() > 80);

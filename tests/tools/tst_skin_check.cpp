@@ -22,7 +22,7 @@ Answer run_checker(const QStringList& arguments)
     QProcess checker;
     ChildProgram::start_built(checker, QStringLiteral(SKIN_CHECK_PROGRAM), arguments);
     Answer answer;
-    if (!checker.waitForFinished())
+    if (!checker.waitForFinished(test_support::stretched(30000)))
         return answer;
     answer.status = checker.exitStatus() == QProcess::NormalExit ? checker.exitCode() : -1;
     answer.output = QString::fromUtf8(checker.readAllStandardOutput());

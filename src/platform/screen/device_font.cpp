@@ -56,5 +56,7 @@ QFont device_font(const QString& family, int points, int weight)
     QFont font(family.compare(alias, Qt::CaseInsensitive) == 0 ? QString(alias) : family);
     font.setPixelSize(std::max(1, points));
     font.setWeight(weight_of(weight));
+    // Left to the host's settings, a text would be wider on one device than on another.
+    font.setHintingPreference(QFont::PreferVerticalHinting);
     return font;
 }

@@ -53,7 +53,7 @@ void make_film(const QStringList& arguments, const QString& film)
 {
     QProcess ffmpeg;
     ffmpeg.start(QStringLiteral("ffmpeg"), QStringList{"-v", "error", "-y"} + arguments + QStringList{film});
-    QVERIFY(ffmpeg.waitForFinished(30000));
+    QVERIFY(ffmpeg.waitForFinished(test_support::stretched(30000)));
     QVERIFY2(ffmpeg.exitCode() == 0, ffmpeg.readAllStandardError().constData());
 }
 

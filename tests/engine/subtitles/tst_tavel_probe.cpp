@@ -1,3 +1,4 @@
+#include "child_program.h"
 #include "films.h"
 #include "test_main.h"
 #include "track_text.h"
@@ -14,8 +15,8 @@ struct Answer {
 Answer probe(const QStringList& arguments)
 {
     QProcess process;
-    process.start(QStringLiteral(TAVEL_PROBE), arguments);
-    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit)
+    ChildProgram::start_built(process, QStringLiteral(TAVEL_PROBE), arguments);
+    if (!process.waitForFinished(test_support::stretched(30000)) || process.exitStatus() != QProcess::NormalExit)
         return {};
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
