@@ -75,7 +75,7 @@ private:
         environment.insert(QStringLiteral("TAVEL_TEST_SENDER"), QStringLiteral("1"));
         other.setProcessEnvironment(environment);
         ChildProgram::start_built(other, QCoreApplication::applicationFilePath(), arguments);
-        QVERIFY(other.waitForStarted());
+        QVERIFY(other.waitForStarted(test_support::stretched(30000)));
         other.write(text.toUtf8());
         other.closeWriteChannel();
         QTRY_COMPARE_WITH_TIMEOUT(other.state(), QProcess::NotRunning, 20000);
