@@ -10,6 +10,9 @@ int main(int argc, char** argv)
 {
     // One heap for all threads: the engine's many threads allocate little, and a heap for each costs some megabytes.
     mallopt(M_ARENA_MAX, 1);
+    // Large blocks stay apart from the heap, whatever was freed before: what a long film list or a long file of
+    // subtitles needs for a moment goes back to the system.
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
     QPEApplication application(argc, argv);
     begin_to_load_engine();
     install_translation(application);

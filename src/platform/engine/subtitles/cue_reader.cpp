@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -51,6 +52,8 @@ std::optional<long long> counter(QStringView line)
 std::vector<QStringView> split_lines(QStringView source)
 {
     std::vector<QStringView> lines;
+    const auto ends = std::count_if(source.begin(), source.end(), [](QChar at) { return at == u'\n' || at == u'\r'; });
+    lines.reserve(static_cast<std::size_t>(ends) + 1);
     qsizetype first = 0;
     for (qsizetype at = 0; at <= source.size(); ++at) {
         if (at < source.size() && source[at] != u'\n' && source[at] != u'\r')

@@ -103,13 +103,14 @@ std::vector<SubtitleTrack> read_subtitle_file(const QString& file, double frame_
     if (!QFileInfo(file).isFile() || source.size() > most_bytes || !source.open(QIODevice::ReadOnly))
         return {};
     QByteArray bytes;
+    bytes.reserve(source.size());
     constexpr qint64 block = 1024 * 1024;
     for (QByteArray read = source.read(block); !read.isEmpty() && !cancelled; read = source.read(block)) {
         bytes += read;
         if (!is_text(bytes))
             return {};
     }
-    const QString text = decode_guessed(bytes, cancelled);
+    QString text = decode_guessed(bytes, cancelled);
     bytes.clear();
     const std::optional<Kind> told = kind_by_content(text);
     const std::optional<Kind> kind = told ? told : kind_by_suffix(file);
@@ -125,7 +126,10 @@ std::vector<SubtitleTrack> read_subtitle_file(const QString& file, double frame_
         }
         return tracks;
     }
-    SubtitleTrack track{name, in_order(read_lines(*kind, text, frame_rate, cancelled), cancelled)};
+    std::vector<TimedText> lines = read_lines(*kind, text, frame_rate, cancelled);
+    // A long file's text is as large as all that is made of it.
+    text.clear();
+    SubtitleTrack track{name, in_order(std::move(lines), cancelled)};
     if (track.lines.empty())
         return {};
     return {std::move(track)};

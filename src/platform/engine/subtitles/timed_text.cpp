@@ -56,6 +56,7 @@ std::vector<Subtitle> in_order(std::vector<TimedText> lines, const std::atomic<b
         else
             joined.push_back(std::move(line));
     }
+    lines = {};
 
     std::vector<Subtitle> result;
     result.reserve(joined.size());
@@ -73,6 +74,7 @@ std::vector<Subtitle> in_order(std::vector<TimedText> lines, const std::atomic<b
             result.push_back({line.start, end, {}});
             all += line.text;
             all += QChar::Null;
+            line.text.clear();
         }
         const QByteArray bytes = QTextCodec::codecForName("CP949")->fromUnicode(all);
         const char* text = bytes.constData();
