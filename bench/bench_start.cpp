@@ -156,6 +156,7 @@ int main(int argc, char** argv)
     if (table == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr)
         return 2;
     mallopt(M_ARENA_MAX, 1); // as the player does
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
     QPEApplication application(argc, argv);
     note("application object");
     install_translation(application);
