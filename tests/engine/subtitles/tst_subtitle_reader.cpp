@@ -139,6 +139,25 @@ private slots:
         QCOMPARE(decode_guessed(bytes), text);
     }
 
+    void a_syllable_alone_in_a_file_is_enough()
+    {
+        for (char16_t syllable = 0xAC00; syllable <= 0xD7A3; ++syllable) {
+            const QString text = QStringLiteral("1\n00:00:01,000 --> 00:00:02,000\n<i>%1!</i>\n").arg(QChar(syllable));
+            QCOMPARE(decode_guessed(encoded(text, SubtitleEncoding::Cp949)), text);
+            QCOMPARE(decode_guessed(encoded(text, SubtitleEncoding::Utf8)), text);
+        }
+    }
+
+    void a_few_accented_letters_are_not_taken_for_hangul()
+    {
+        for (const char* const words : {"È vero. C'è.", "à la carte", "Más o menos, ¿sí?", "Å, nei!", "Ö! Vad?",
+                                        "Ah, ó Maria", "déjà vu", "où?", "À bientôt", "It costs £50.", "£50?", "20 °C",
+                                        "Ő jött, nem én", "Ça va ? « Oui »", "Łódź", "İyi günler"}) {
+            const QString text = QStringLiteral("1\n00:00:01,000 --> 00:00:02,000\n") + QString::fromUtf8(words);
+            QCOMPARE(decode_guessed(text.toUtf8()), text);
+        }
+    }
+
     void files_of_a_film_have_its_name_and_any_suffix_in_any_case()
     {
         const Shelf shelf({QStringLiteral("film.mkv"), QStringLiteral("film.SMI"), QStringLiteral("film.Srt"),

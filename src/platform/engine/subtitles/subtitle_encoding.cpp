@@ -50,7 +50,7 @@ struct Reading {
     int faults = 0;         ///< characters that are lost
     int odd = 0;            ///< characters that are possible but seldom where they stand
     int beyond_ascii = 0;   ///< characters that were more than one byte
-    int grouped = 0;        ///< of these, those that stand in groups and touch no Latin letter
+    int grouped = 0;        ///< of these, those that stand as accented letters do not; see AccentWatch
     bool only_latin = true; ///< UTF-8: all of them are accented Latin letters
 };
 
@@ -103,24 +103,101 @@ int damaged_length(QByteArrayView bytes, qsizetype at)
     return length;
 }
 
+/// Counts what is valid as UTF-8 and stands as accented letters do not, but Hangul does: in groups that touch no plain
+/// letter, or alone where there are no plain letters at all.
+class AccentWatch
+{
+public:
+    void see_plain(uchar byte)
+    {
+        close_group(is_ascii_letter(byte));
+        switch (byte) {
+        case '<':
+            m_in_tag = true;
+            break;
+        case '>':
+            m_in_tag = false;
+            break;
+        case '\n':
+        case '\r':
+            close_line();
+            break;
+        default:
+            m_has_letters = m_has_letters || (!m_in_tag && is_ascii_letter(byte));
+            m_has_digits = m_has_digits || (!m_in_tag && byte >= '0' && byte <= '9');
+        }
+        m_behind_letter = is_ascii_letter(byte);
+    }
+
+    void see_accented(uchar lead)
+    {
+        if (m_group++ == 0)
+            m_touches_letter = m_behind_letter;
+        m_lead = lead;
+        m_behind_letter = false;
+    }
+
+    /// @return how many there were
+    int finish()
+    {
+        close_group(false);
+        close_line();
+        return m_strange;
+    }
+
+private:
+    void close_group(bool touches_letter)
+    {
+        if (m_group == 0)
+            return;
+        constexpr uchar lead_of_symbols = 0xC2;
+        constexpr uchar lead_of_words = 0xC3; // such as "à"; the others are no words
+        if (!m_touches_letter && !touches_letter) {
+            if (m_group > 1 || m_lead > lead_of_words)
+                m_strange += m_group;
+            else if (m_lead == lead_of_symbols)
+                ++m_lone_symbols;
+            else
+                ++m_lone_letters;
+        }
+        m_group = 0;
+    }
+
+    void close_line()
+    {
+        if (!m_has_letters)
+            m_strange += m_lone_letters + (m_has_digits ? 0 : m_lone_symbols);
+        m_lone_letters = 0;
+        m_lone_symbols = 0;
+        m_has_letters = false;
+        m_has_digits = false;
+        m_in_tag = false;
+    }
+
+    int m_strange = 0;
+    int m_group = 0; ///< the size of the group that is open
+    uchar m_lead = 0;
+    bool m_behind_letter = false;
+    bool m_touches_letter = false; ///< the open group, at its front
+    int m_lone_letters = 0;        ///< this and the rest: in the line
+    int m_lone_symbols = 0;
+    bool m_has_letters = false; ///< outside of tags
+    bool m_has_digits = false;
+    bool m_in_tag = false;
+};
+
 Reading read_utf8(QByteArrayView bytes, QString* text, const std::atomic<bool>& cancelled)
 {
     Reading reading;
     Patience patience(cancelled);
-    qsizetype group = 0;
-    bool touches_letter = false;
-    const auto close_group = [&](qsizetype end) {
-        if (group > 1 && !touches_letter && !is_ascii_letter(byte_at(bytes, end)))
-            reading.grouped += static_cast<int>(group);
-        group = 0;
-    };
+    AccentWatch accents;
     for (qsizetype at = 0; at < bytes.size() && !patience.is_over(at);) {
         const uchar lead = byte_at(bytes, at);
         if (lead < 0x80) {
-            if (group > 0)
-                close_group(at);
             if (text)
                 text->append(QLatin1Char(static_cast<char>(lead)));
+            else
+                accents.see_plain(lead);
             ++at;
             continue;
         }
@@ -132,8 +209,7 @@ Reading read_utf8(QByteArrayView bytes, QString* text, const std::atomic<bool>& 
             at += damaged_length(bytes, at);
             continue;
         }
-        if (group++ == 0)
-            touches_letter = at > 0 && is_ascii_letter(byte_at(bytes, at - 1));
+        accents.see_accented(lead);
         ++reading.beyond_ascii;
         reading.only_latin = reading.only_latin && lead >= 0xC2 && lead <= 0xC8;
         if (text) {
@@ -145,8 +221,7 @@ Reading read_utf8(QByteArrayView bytes, QString* text, const std::atomic<bool>& 
         }
         at += length;
     }
-    if (group > 0)
-        close_group(bytes.size());
+    reading.grouped = accents.finish();
     return reading;
 }
 
@@ -485,8 +560,8 @@ SubtitleEncoding guess_encoding(QByteArrayView bytes, const std::atomic<bool>& c
         return SubtitleEncoding::Utf8;
     const Reading cp949 = read_cp949(bytes, nullptr, cancelled);
     if (utf8.faults == 0 && cp949.faults == 0) {
-        // A few Hangul syllables look like accented letters. Those stand inside words of plain letters, never in
-        // groups.
+        // A few hundred Hangul syllables look like accented letters. Those stand inside words of plain letters, hardly
+        // ever in groups.
         return utf8.grouped * 2 > utf8.beyond_ascii ? SubtitleEncoding::Cp949 : SubtitleEncoding::Utf8;
     }
     constexpr int fault_weight = 3;
