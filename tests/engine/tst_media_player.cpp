@@ -374,7 +374,7 @@ private slots:
         QElapsedTimer clock;
         clock.start();
         const Time from = bench.recorder.position();
-        QVERIFY(bench.runs_on(4000));
+        QVERIFY(bench.runs_on(16000));
         const double rate =
             static_cast<double>(bench.recorder.position() - from) / static_cast<double>(clock.elapsed());
         QVERIFY2(rate > 1.6 && rate < 2.4, qPrintable(QString::number(rate)));

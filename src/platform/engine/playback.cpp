@@ -29,8 +29,13 @@ constexpr auto seek_start_limit = 1000ms;
 constexpr auto end_limit = 800ms;
 constexpr auto shut_down_limit = 2000ms;
 
-/// Asking wakes fewer threads than being told of each frame.
 constexpr auto position_interval = 50ms;
+/// Once the film runs steadily the library, whose threads every question wakes, is asked only this often; the positions
+/// in between are worked out.
+constexpr auto question_interval = 250ms;
+constexpr int steady_after = 4;
+/// The library tells the time of the newest frame: answers vary by the length of one.
+constexpr Time steady_within = 70;
 
 constexpr auto scan_report_interval = 100ms;
 constexpr auto scan_seek_interval = 300ms;
@@ -186,6 +191,7 @@ RaskStatus Playback::select_sound(int track)
         if (track < 1 || track > m_film.audio_streams)
             return rask::out_of_range;
         m_sound_track = track;
+        m_steady_answers = 0;
         m_core->set("aid", QByteArray::number(track));
         return rask::ok;
     });
@@ -306,7 +312,7 @@ void Playback::check_deadlines()
     if (passed(m_scan_tick))
         scan_step();
     if (passed(m_position_tick))
-        ask_position();
+        follow_position();
 }
 
 bool Playback::ensure_core()
@@ -393,7 +399,7 @@ void Playback::handle(const mpv_event& event)
         m_core->picture().show(true);
         // Now the library opens the sound: it is asked whether it is still there.
         if (m_phase == Phase::Loading)
-            ask_position();
+            follow_position();
         break;
     case MPV_EVENT_END_FILE:
         on_end_file(*static_cast<const mpv_event_end_file*>(event.data));
@@ -469,14 +475,30 @@ void Playback::on_number(const mpv_event& event)
         finish_seek(known ? to_time(value) : m_seek_target);
 }
 
+void Playback::follow_position()
+{
+    const auto now = Clock::now();
+    m_position_tick = now + position_interval;
+    // A library that has not answered yet is held up: more questions would only pile up.
+    if (m_seek_stage != SeekStage::None || m_position_asked)
+        return;
+    if (m_steady_answers < steady_after || now - m_told_at >= question_interval)
+        ask_position();
+    else
+        move_to(expected_position());
+}
+
 void Playback::ask_position()
 {
-    m_position_tick = Clock::now() + position_interval;
-    // A library that has not answered yet is stuck in a read: more questions would only pile up.
-    if (m_seek_stage == SeekStage::None && !m_position_asked)
-        m_position_asked = m_core->ask_number("time-pos", position_id);
+    m_position_asked = m_core->ask_number("time-pos", position_id);
     if (m_position_asked)
         m_sound.asked(Clock::now(), processor_time());
+}
+
+Time Playback::expected_position() const
+{
+    const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - m_told_at).count();
+    return m_told_position + elapsed * m_speed / 100;
 }
 
 void Playback::on_position(std::optional<Time> position)
@@ -486,18 +508,31 @@ void Playback::on_position(std::optional<Time> position)
         m_sound.position_moved(Clock::now());
         return;
     }
-    if (*position == m_position) {
-        if (m_core->uses_sound() && m_sound.wants_clock(Clock::now())) {
-            m_core->ask_number("audio-pts", sound_clock_id);
-            m_core->ask_number("demuxer-cache-time", buffered_id);
-        }
-        return;
+    const bool moved = *position != m_told_position;
+    const bool steady = moved && std::abs(*position - expected_position()) <= steady_within * m_speed / 100;
+    m_steady_answers = steady ? m_steady_answers + 1 : 0;
+    m_told_position = *position;
+    m_told_at = Clock::now();
+    if (moved) {
+        m_sound.position_moved(m_told_at);
+        if (m_core->uses_sound())
+            m_sound.film_runs();
+        move_to(*position);
+    } else if (m_core->uses_sound() && m_sound.wants_clock(m_told_at)) {
+        m_core->ask_number("audio-pts", sound_clock_id);
+        m_core->ask_number("demuxer-cache-time", buffered_id);
     }
-    m_sound.position_moved(Clock::now());
-    if (m_core->uses_sound())
-        m_sound.film_runs();
-    m_position = *position;
-    report_time(m_position);
+}
+
+void Playback::move_to(Time position)
+{
+    // What was worked out may have been ahead by a little: then the film catches up. A film whose times jump back does
+    // so.
+    const Time ahead = m_position - position;
+    if (ahead >= 0 && ahead <= to_time(question_interval / 1.0s) * m_speed / 100 + steady_within)
+        return;
+    m_position = position;
+    report_time(position);
 }
 
 void Playback::on_sound_clock(std::optional<double> buffered)
@@ -725,6 +760,7 @@ RaskStatus Playback::do_set_speed(int code)
     else
         return rask::out_of_range;
     m_speed = speed_steps[m_speed_step];
+    m_steady_answers = 0;
     m_core->set("speed", m_speed / 100.0);
     return rask::ok;
 }
@@ -732,6 +768,7 @@ RaskStatus Playback::do_set_speed(int code)
 void Playback::enter(Phase phase)
 {
     m_phase = phase;
+    m_steady_answers = 0;
     if (phase != Phase::Playing)
         m_position_tick.reset();
     else if (!m_position_tick)
@@ -761,6 +798,7 @@ void Playback::finish_seek(Time position)
     m_seek_stage = SeekStage::None;
     m_seek_deadline.reset();
     m_position = position;
+    m_steady_answers = 0;
     const int reports = std::exchange(m_seek_reports, 0);
     const bool resumes = std::exchange(m_seek_resumes, false);
     const bool past_end = reports > 0 && m_film.length > 0 && m_seek_target >= m_film.length;

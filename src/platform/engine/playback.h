@@ -123,7 +123,10 @@ private:
     void on_property(const mpv_event_property& property, std::uint64_t id);
     void on_end_file(const mpv_event_end_file& end);
     void on_restart();
+    void follow_position();
     void ask_position();
+    Time expected_position() const;
+    void move_to(Time position);
     void on_position(std::optional<Time> position);
     void on_sound_clock(std::optional<double> buffered);
 
@@ -177,6 +180,9 @@ private:
     Time m_position = 0;
     Deadline m_position_tick;      ///< while playing
     bool m_position_asked = false; ///< the library owes an answer
+    Time m_told_position = 0;      ///< the newest answer
+    Clock::time_point m_told_at;
+    int m_steady_answers = 0; ///< how many have been as expected
 
     SoundWatch m_sound;
     std::optional<double> m_sound_clock; ///< the newest answer

@@ -43,11 +43,13 @@ int VideoPlane::frame_event_type()
 
 void VideoPlane::set_window(const QRect& output_rectangle)
 {
-    const std::lock_guard lock(m_mutex);
-    if (m_window == output_rectangle)
-        return;
-    m_window = output_rectangle;
-    request_repaint_locked();
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_window == output_rectangle)
+            return;
+        m_window = output_rectangle;
+    }
+    request_repaint();
 }
 
 QRect VideoPlane::window() const
@@ -91,28 +93,33 @@ QImage& VideoPlane::begin_frame(QSize size)
 
 void VideoPlane::end_frame()
 {
-    const std::lock_guard lock(m_mutex);
-    std::swap(m_back, m_waiting);
-    m_frame_waiting = true;
-    m_black = false;
-    request_repaint_locked();
+    {
+        const std::lock_guard lock(m_mutex);
+        std::swap(m_back, m_waiting);
+        m_frame_waiting = true;
+        m_black = false;
+    }
+    request_repaint();
 }
 
 void VideoPlane::clear()
 {
-    const std::lock_guard lock(m_mutex);
-    m_frame_waiting = false;
-    if (m_black)
-        return;
-    m_black = true;
-    request_repaint_locked();
+    {
+        const std::lock_guard lock(m_mutex);
+        m_frame_waiting = false;
+        if (m_black)
+            return;
+        m_black = true;
+    }
+    request_repaint();
 }
 
-void VideoPlane::request_repaint_locked()
+void VideoPlane::request_repaint()
 {
-    if (m_repaint_requested || !m_display)
+    // Not under the other lock: the display wakes at once, and would have to wait for it.
+    const std::lock_guard lock(m_display_mutex);
+    if (!m_display || m_repaint_requested.exchange(true))
         return;
-    m_repaint_requested = true;
     auto* event = new QEvent(static_cast<QEvent::Type>(frame_event_type()));
     order_release(event);
     QCoreApplication::postEvent(m_display, event);
@@ -120,7 +127,7 @@ void VideoPlane::request_repaint_locked()
 
 void VideoPlane::attach(QObject* display)
 {
-    const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(m_display_mutex);
     m_display = display;
     m_repaint_requested = false;
 }
@@ -136,10 +143,7 @@ void VideoPlane::set_mapping(const Mapping& mapping)
 
 void VideoPlane::acknowledge()
 {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_repaint_requested = false;
-    }
+    m_repaint_requested = false;
     call_hook_if_resized();
 }
 

@@ -5,6 +5,7 @@
 #include <QSize>
 
 #include <array>
+#include <atomic>
 #include <functional>
 #include <mutex>
 
@@ -84,14 +85,16 @@ private:
     VideoPlane() = default;
 
     QRect pixel_rectangle_locked() const;
-    void request_repaint_locked();
+    void request_repaint();
     void call_hook_if_resized();
 
-    mutable std::mutex m_mutex; ///< guards all but m_back, m_front and what m_hook_mutex guards
+    std::mutex m_display_mutex; ///< guards m_display
+    QObject* m_display = nullptr;
+    std::atomic<bool> m_repaint_requested = false;
+
+    mutable std::mutex m_mutex; ///< guards all below but m_back, m_front and what m_hook_mutex guards
     QRect m_window{0, 0, 480, 272};
     Mapping m_mapping;
-    QObject* m_display = nullptr;
-    bool m_repaint_requested = false;
     bool m_frame_waiting = false; ///< m_waiting is newer than m_front
     std::array<QImage, 3> m_buffers;
     std::size_t m_back = 0; ///< index of the engine's buffer; engine thread, changed under the lock
