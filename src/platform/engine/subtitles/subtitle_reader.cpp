@@ -103,7 +103,7 @@ std::vector<SubtitleTrack> read_subtitle_file(const QString& file, double frame_
     if (!QFileInfo(file).isFile() || source.size() > most_bytes || !source.open(QIODevice::ReadOnly))
         return {};
     QByteArray bytes;
-    bytes.reserve(source.size());
+    bytes.reserve(static_cast<qsizetype>(source.size()));
     constexpr qint64 block = 1024 * 1024;
     for (QByteArray read = source.read(block); !read.isEmpty() && !cancelled; read = source.read(block)) {
         bytes += read;
