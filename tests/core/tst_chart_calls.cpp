@@ -53,7 +53,7 @@ private slots:
             "socket HIDE",
         };
         COMPARE_CALLS(log.mid(begin - 1, expected.size()), expected);
-        QCOMPARE(log.filter(QStringLiteral("socket")).size(), 2);
+        QCOMPARE(log.indexOf(QStringLiteral("socket HIDE")), begin - 1 + expected.size() - 1);
         QVERIFY(log.indexOf(QStringLiteral("fb /dev/fb0 enable 0")) < begin);
         // Before that: the window was shown with its controls, which is told to the task bar.
         QVERIFY(log.lastIndexOf(QStringLiteral("show subtitle_control")) < begin);
@@ -64,10 +64,11 @@ private slots:
     void a_now_playing_entry_is_loaded_from_where_it_was()
     {
         start_stopped(2, 1, 4500);
-        const QStringList log = player->log();
+        // The window may be activated meanwhile.
+        const QStringList log = without_activation(player->log());
         COMPARE_CALLS(log.mid(log.indexOf(QStringLiteral("playlist load_now_playing"))),
-                      QStringList({"playlist load_now_playing", "post 2100 1 4500", "socket HIDE",
-                                   "activate tavel_video", "-> file_parsed_state"}) +
+                      QStringList({"playlist load_now_playing", "post 2100 1 4500", "activate tavel_video",
+                                   "-> file_parsed_state"}) +
                           enter_file_parsed(1, files[1], 4500) + enter_stop());
     }
 
