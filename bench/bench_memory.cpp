@@ -7,8 +7,9 @@
 // "step, NAME, held MB, most so far MB, blocks", and with --holders "library, NAME, MB, blocks" and "asker, NAME, MB,
 // blocks" at the end of the steps, the largest first.
 
-#include "frame_log.h"
+#include "engine_loader.h"
 #include "heap_count.h"
+#include "picture_watch.h"
 #include "player_event.h"
 #include "qcop_envelope.h"
 #include "qpe_application.h"
@@ -88,13 +89,14 @@ void settle()
 /// Whether the films' picture came.
 bool play(TavelVideo& window, const QStringList& films)
 {
-    FrameLog::instance().await(magenta);
+    PictureWatch picture_watch;
+    picture_watch.await(magenta);
     {
         QCopEnvelope envelope("QPE/Brevaton/video", "transmit_filename(QString)");
         envelope << QString(films.join(QLatin1Char('\n')) + QLatin1Char('\n'));
     }
     for (int waited = 0; waited < patience_ms; waited += 50) {
-        if (FrameLog::instance().seen() && window.isIn(&TavelVideo::play_state) != 0) {
+        if (picture_watch.painted() && window.isIn(&TavelVideo::play_state) != 0) {
             settle();
             return true;
         }
@@ -124,6 +126,7 @@ int main(int argc, char** argv)
     int player_argc = 1;
     QPEApplication application(player_argc, argv);
     step("application object");
+    begin_to_load_engine();
     install_translation(application);
     auto* window = new TavelVideo(nullptr, "tavel_video", 16);
     step("main window");

@@ -16,8 +16,9 @@
 
 #include "config.h"
 #include "device_screen.h"
-#include "frame_log.h"
+#include "engine_loader.h"
 #include "loop_watch.h"
+#include "picture_watch.h"
 #include "player_event.h"
 #include "qcop_envelope.h"
 #include "qpe_application.h"
@@ -65,32 +66,6 @@ void settle(int ms)
     QTimer::singleShot(ms, Qt::PreciseTimer, &loop, &QEventLoop::quit);
     loop.exec();
 }
-
-/// Tells when the display was painted after the awaited picture had come.
-class PaintWatch : public QObject
-{
-public:
-    PaintWatch() { DeviceScreen::instance()->viewport()->installEventFilter(this); }
-
-    void await(QRgb mark)
-    {
-        painted_.reset();
-        FrameLog::instance().await(mark);
-    }
-
-    const std::optional<Clock::time_point>& painted() const { return painted_; }
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        if (event->type() == QEvent::Paint && !painted_ && FrameLog::instance().seen())
-            QTimer::singleShot(0, this, [this] { painted_ = Clock::now(); });
-        return false;
-    }
-
-private:
-    std::optional<Clock::time_point> painted_;
-};
 
 class Bench
 {
@@ -170,11 +145,11 @@ private:
     /// Milliseconds until the display shows the mark's colour, -1 when it never does.
     double until_picture(QRgb mark, const std::function<void()>& request)
     {
-        paint_watch_.await(mark);
+        picture_watch_.await(mark);
         const auto start = Clock::now();
         request();
-        return wait_until("the picture", [this] { return paint_watch_.painted().has_value(); })
-                   ? ms_between(start, *paint_watch_.painted())
+        return wait_until("the picture", [this] { return picture_watch_.painted().has_value(); })
+                   ? ms_between(start, *picture_watch_.painted())
                    : -1;
     }
 
@@ -262,7 +237,7 @@ private:
 
     TavelVideo* window_;
     QDir films_;
-    PaintWatch paint_watch_;
+    PictureWatch picture_watch_;
     bool complete_ = true;
 };
 
@@ -308,6 +283,7 @@ int main(int argc, char** argv)
     mallopt(M_MMAP_THRESHOLD, 128 * 1024);
     int player_argc = 1;
     QPEApplication application(player_argc, argv);
+    begin_to_load_engine();
     install_translation(application);
     write_settings();
     auto* window = new TavelVideo(nullptr, "tavel_video", 16);

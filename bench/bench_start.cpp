@@ -7,13 +7,14 @@
 // each step.
 
 #include "device_screen.h"
+#include "engine_loader.h"
 #include "loop_watch.h"
+#include "picture_watch.h"
 #include "player_event.h"
 #include "qcop_envelope.h"
 #include "qpe_application.h"
 #include "tavel_video.h"
 #include "translation.h"
-#include "video_plane.h"
 
 #include <QtCore/QTimer>
 
@@ -23,7 +24,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,19 +32,18 @@ namespace
 {
 
 constexpr int patience_ms = 20000;
+constexpr QRgb magenta = 0xff00ff;
 
 struct Step {
     std::string name;
     double wall_ms;
-    double main_ms; ///< below 0: another thread's step
+    double main_ms;
     double process_ms;
     double own_mb;
     double file_mb;
 };
 
-std::mutex mutex;
-std::vector<Step> steps;       ///< guarded by mutex
-bool picture_is_there = false; ///< guarded by mutex
+std::vector<Step> steps;
 
 double monotonic_ms()
 {
@@ -63,87 +62,52 @@ void note(const char* name)
         std::fclose(statm);
     }
     const double page_mb = static_cast<double>(sysconf(_SC_PAGESIZE)) / (1024 * 1024);
-    const double main_ms = gettid() == getpid() ? processor_seconds(CLOCK_THREAD_CPUTIME_ID) * 1000 : -1;
-    const std::lock_guard lock(mutex);
-    steps.push_back({name, monotonic_ms() - started_ms, main_ms, processor_seconds(CLOCK_PROCESS_CPUTIME_ID) * 1000,
+    steps.push_back({name, monotonic_ms() - started_ms, processor_seconds(CLOCK_THREAD_CPUTIME_ID) * 1000,
+                     processor_seconds(CLOCK_PROCESS_CPUTIME_ID) * 1000,
                      static_cast<double>(resident_pages - file_pages) * page_mb,
                      static_cast<double>(file_pages) * page_mb});
 }
 
-void note_once(const char* name, bool& noted)
-{
-    if (!noted) {
-        noted = true;
-        note(name);
-    }
-}
-
 /// Ends the player after the first painting that follows the first picture.
-class PaintWatch : public QObject
+class StartWatch : public QObject
 {
 public:
-    explicit PaintWatch(TavelVideo* window) : window_(window) {}
+    explicit StartWatch(TavelVideo* window) : window_(window)
+    {
+        DeviceScreen::instance()->viewport()->installEventFilter(this);
+        picture_watch_.await(magenta);
+        startTimer(1, Qt::PreciseTimer);
+    }
 
-    bool complete() const { return complete_; }
+    bool complete() const { return painted_; }
 
 protected:
     bool eventFilter(QObject*, QEvent* event) override
     {
-        if (event->type() != QEvent::Paint)
-            return false;
-        note_once("display: first painting begins", begun_);
-        const std::lock_guard lock(mutex);
-        if (picture_is_there && !std::exchange(complete_, true)) {
-            QTimer::singleShot(0, window_, [this] {
-                note("display: first picture painted");
-                window_->postCustomEvent(player_event::close);
-            });
-        }
+        if (event->type() == QEvent::Paint && !std::exchange(painting_, true))
+            note("first painting begins");
         return false;
+    }
+
+    void timerEvent(QTimerEvent*) override
+    {
+        if (picture_watch_.arrived() && !std::exchange(arrived_, true))
+            note("first picture has come");
+        if (picture_watch_.painted() && !std::exchange(painted_, true)) {
+            note("first picture painted");
+            window_->postCustomEvent(player_event::close);
+        }
     }
 
 private:
     TavelVideo* window_;
-    bool begun_ = false;
-    bool complete_ = false;
+    PictureWatch picture_watch_;
+    bool painting_ = false;
+    bool arrived_ = false;
+    bool painted_ = false;
 };
 
 } // namespace
-
-// The linker leads the engine's calls here, and ours to the real functions.
-struct mpv_handle;
-extern "C" {
-mpv_handle* __real_mpv_create();
-int __real_mpv_initialize(mpv_handle* handle);
-void __real__ZN10VideoPlane9end_frameEv(VideoPlane* plane);
-mpv_handle* __wrap_mpv_create();
-int __wrap_mpv_initialize(mpv_handle* handle);
-void __wrap__ZN10VideoPlane9end_frameEv(VideoPlane* plane);
-
-mpv_handle* __wrap_mpv_create()
-{
-    note("engine: asked for");
-    return __real_mpv_create();
-}
-
-int __wrap_mpv_initialize(mpv_handle* handle)
-{
-    const int status = __real_mpv_initialize(handle);
-    note("engine: library ready");
-    return status;
-}
-
-void __wrap__ZN10VideoPlane9end_frameEv(VideoPlane* plane)
-{
-    static bool noted = false;
-    note_once("engine: first picture rendered", noted);
-    {
-        const std::lock_guard lock(mutex);
-        picture_is_there = true;
-    }
-    __real__ZN10VideoPlane9end_frameEv(plane);
-}
-}
 
 int main(int argc, char** argv)
 {
@@ -159,13 +123,13 @@ int main(int argc, char** argv)
     mallopt(M_MMAP_THRESHOLD, 128 * 1024);
     QPEApplication application(argc, argv);
     note("application object");
+    begin_to_load_engine();
     install_translation(application);
     note("translation");
     auto* window = new TavelVideo(nullptr, "tavel_video", 16);
     note("main window");
     application.showMainWidget(window);
-    PaintWatch watch(window);
-    DeviceScreen::instance()->viewport()->installEventFilter(&watch);
+    const StartWatch watch(window);
     note("display shown");
     QTimer::singleShot(0, [] { note("event loop: first turn"); });
     QTimer::singleShot(patience_ms, window, [window] { window->postCustomEvent(player_event::close); });

@@ -104,7 +104,7 @@ const Place& place_of(std::uintptr_t address)
     if (dladdr(reinterpret_cast<void*>(address), &info) != 0 && info.dli_fname != nullptr) {
         const char* slash = std::strrchr(info.dli_fname, '/');
         const std::string library = slash != nullptr ? slash + 1 : info.dli_fname;
-        const bool is_ours = library == all.program;
+        const bool is_ours = library == all.program || library.rfind("tavel_engine", 0) == 0;
         const std::string asker = is_ours && info.dli_sname != nullptr ? asker_of(info.dli_sname) : std::string();
         place.library = all.index_of(is_ours ? "the player" : library.substr(0, library.find(".so")));
         place.asker = asker.empty() ? std::uint16_t{0} : all.index_of(asker);
