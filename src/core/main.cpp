@@ -1,4 +1,6 @@
 #include "engine_loader.h"
+#include "file_manager.h"
+#include "file_manager_folder.h"
 #include "qpe_application.h"
 #include "tavel_video.h"
 #include "translation.h"
@@ -13,7 +15,8 @@ int main(int argc, char** argv)
     // Large blocks stay apart from the heap, whatever was freed before: what a long film list or a long file of
     // subtitles needs for a moment goes back to the system.
     mallopt(M_MMAP_THRESHOLD, 128 * 1024);
-    QPEApplication application(argc, argv);
+    const auto films = [](const QString& path) { return films_behind(path, FileManager::most_films); };
+    QPEApplication application(argc, argv, films);
     begin_to_load_engine();
     install_translation(application);
     const auto window = std::make_unique<TavelVideo>(nullptr, "tavel_video", 16);

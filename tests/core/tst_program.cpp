@@ -40,9 +40,42 @@ private slots:
     {
         tell_system("flush()");
         QTRY_VERIFY2_WITH_TIMEOUT(says("2008: no_file_state -> exit_state"), said.constData(), limit_ms);
-        QVERIFY(player->waitForFinished(limit_ms));
+        QTRY_COMPARE_WITH_TIMEOUT(player->state(), QProcess::NotRunning, limit_ms);
         QCOMPARE(player->exitStatus(), QProcess::NormalExit);
         QCOMPARE(player->exitCode(), 0);
+    }
+
+    void a_folder_and_a_play_list_stand_for_the_films_in_them()
+    {
+        const QTemporaryDir directory;
+        const QDir folder(directory.path());
+        QVERIFY(folder.mkpath(QStringLiteral("films/more")));
+        for (const char* name :
+             {"films/b.avi", "films/a10.mkv", "films/a9.mkv", "films/notes.txt", "films/more/c.mp4", "listed.avi"}) {
+            QFile file(folder.filePath(QString::fromLatin1(name)));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        QFile list(folder.filePath(QStringLiteral("list.m3u")));
+        QVERIFY(list.open(QIODevice::WriteOnly));
+        list.write("listed.avi\n");
+        list.close();
+        // The player that runs gets them; what it took is in its playlist.
+        QProcess second;
+        ChildProgram::start_built(second, QStringLiteral(PLAYER_PROGRAM),
+                                  {folder.filePath(QStringLiteral("films")), list.fileName()});
+        QTRY_COMPARE_WITH_TIMEOUT(second.state(), QProcess::NotRunning, limit_ms);
+        QCOMPARE(second.exitCode(), 0);
+        // The first is no film at all, so it does not stay in the list.
+        QStringList expected;
+        for (const char* name : {"films/a9.mkv", "films/a10.mkv", "films/b.avi", "listed.avi"})
+            expected.append(folder.filePath(QString::fromLatin1(name)));
+        const QByteArray row = "\nfiles = " + expected.join(u',').toUtf8() + '\n';
+        const QString lists = qEnvironmentVariable("QPEDIR") + QStringLiteral("etc/tavel_video/playlist.dat");
+        const auto stored = [&lists] {
+            QFile file(lists);
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        QTRY_VERIFY2_WITH_TIMEOUT(stored().contains(row), stored().constData(), limit_ms);
     }
 
 private:

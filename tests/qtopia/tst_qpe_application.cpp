@@ -20,7 +20,11 @@ void say(const QByteArray& line)
 /// A player: listens on the player's channel and tells what comes; "late" opens the channel only when told to.
 int play(int argc, char** argv)
 {
-    QPEApplication application(argc, argv);
+    // A path that ends in "+" stands for two.
+    const auto files_behind = [](const QString& path) {
+        return path.endsWith(u'+') ? QStringList{path + u'1', path + u'2'} : QStringList{path};
+    };
+    QPEApplication application(argc, argv, files_behind);
     say("made");
     if (qEnvironmentVariableIsSet("TAVEL_TEST_LATE")) {
         while (!QFile::exists(qEnvironmentVariable("TAVEL_TEST_LATE")))
@@ -84,12 +88,12 @@ private slots:
 void TestQPEApplication::files_of_the_command_line_arrive_once_the_event_loop_runs()
 {
     ChildProgram player;
-    player.start_role("play",
-                      {QStringLiteral("a b.avi"), QStringLiteral("/media/영화.avi"), QStringLiteral("--no-such-option"),
-                       QStringLiteral("file:///x%20y.avi"), QStringLiteral("line\nfeed.avi"),
-                       QStringLiteral("file:z.avi"), QStringLiteral("--"), QStringLiteral("-dash.avi")});
-    const QByteArray files =
-        absolute("a b.avi") + "|/media/영화.avi|/x y.avi|" + absolute("file:z.avi") + '|' + absolute("-dash.avi") + '|';
+    player.start_role("play", {QStringLiteral("a b.avi"), QStringLiteral("/media/영화.avi"),
+                               QStringLiteral("--no-such-option"), QStringLiteral("file:///x%20y.avi"),
+                               QStringLiteral("line\nfeed.avi"), QStringLiteral("file:z.avi"), QStringLiteral("--"),
+                               QStringLiteral("-dash.avi"), QStringLiteral("/folder+")});
+    const QByteArray files = absolute("a b.avi") + "|/media/영화.avi|/x y.avi|" + absolute("file:z.avi") + '|' +
+                             absolute("-dash.avi") + "|/folder+1|/folder+2|";
     QTRY_COMPARE(player.lines(), (QList<QByteArray>{"made", "ready", "transmit_filename(QString) " + files}));
 }
 

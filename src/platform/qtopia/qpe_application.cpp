@@ -55,7 +55,7 @@ extern "C" void note_signal(int number)
 }
 
 // The files among the arguments, as absolute paths; those that cannot travel are left out with one line.
-QStringList files_of(const QStringList& arguments)
+QStringList files_of(const QStringList& arguments, const QPEApplication::FilesBehind& files_behind)
 {
     QStringList files;
     bool only_files = false;
@@ -73,7 +73,8 @@ QStringList files_of(const QStringList& arguments)
                      qUtf8Printable(path.simplified()));
             continue;
         }
-        files.append(QFileInfo(path).absoluteFilePath());
+        const QString absolute = QFileInfo(path).absoluteFilePath();
+        files += files_behind ? files_behind(absolute) : QStringList{absolute};
     }
     return files;
 }
@@ -88,14 +89,14 @@ void send_files(const QStringList& files)
 
 } // namespace
 
-QPEApplication::QPEApplication(int& argc, char** argv) : QApplication(argc, argv)
+QPEApplication::QPEApplication(int& argc, char** argv, const FilesBehind& files_behind) : QApplication(argc, argv)
 {
     setQuitOnLastWindowClosed(false);
     // The toolkit took the user's locale over; decimal points in the player's and the decoder's texts are points.
     std::setlocale(LC_NUMERIC, "C");
     take_signals();
     Shell::start();
-    files_ = files_of(arguments().mid(1));
+    files_ = files_of(arguments().mid(1), files_behind);
     instance_channel_ = std::make_unique<QCopChannel>(instance_name);
     if (!instance_channel_->is_first() || QCopChannel::isRegistered(player_channel))
         hand_over_or_stay();

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QPointer>
 #include <QStringList>
+#include <functional>
 #include <memory>
 
 class QSocketNotifier;
@@ -15,10 +16,13 @@ class QPEApplication : public QApplication
     Q_OBJECT
 
 public:
-    /// @p argv may name files. When a player already runs in this session it gets them, and the process ends here with
-    /// status 0 before any window is made. Otherwise they come in as a message on the player's own channel once exec()
-    /// runs.
-    QPEApplication(int& argc, char** argv);
+    /// What an argument stands for: a folder for the films in it, say. Absolute paths; a plain file for itself.
+    using FilesBehind = std::function<QStringList(const QString& path)>;
+
+    /// @p argv may name files, each of which stands for what @p files_behind makes of it (without one for itself). When
+    /// a player already runs in this session it gets them, and the process ends here with status 0 before any window is
+    /// made. Otherwise they come in as a message on the player's own channel once exec() runs.
+    QPEApplication(int& argc, char** argv, const FilesBehind& files_behind = {});
     ~QPEApplication() override;
 
     /// The device's own directory tree, ending in a slash: the environment variable QPEDIR, or a directory of the
@@ -31,8 +35,8 @@ public:
     /// Makes the GUI thread look at its posted events. May be called on any thread, also without an application object.
     static void wakeUpGuiThread();
 
-    /// Shows @p widget as the player's window on the device screen, whose host window takes over its title. It stays the
-    /// caller's.
+    /// Shows @p widget as the player's window on the device screen, whose host window takes over its title. It stays
+    /// the caller's.
     void showMainWidget(QWidget* widget);
     QWidget* mainWidget() const { return main_widget_; }
 

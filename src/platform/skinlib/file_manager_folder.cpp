@@ -3,6 +3,7 @@
 #include "file_manager_play_list.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -158,4 +159,13 @@ CollectedFilms collect_films(const std::vector<FileManagerChoice>& choices, int 
     for (const FileManagerChoice& choice : choices)
         collector.take(choice);
     return collector.result;
+}
+
+QStringList films_behind(const QString& path, int most)
+{
+    const QFileInfo info(path);
+    const auto kind = info.isDir() ? FileManagerEntry::Kind::Folder : kind_of_file(info.fileName());
+    if (kind != FileManagerEntry::Kind::Folder && kind != FileManagerEntry::Kind::PlayList)
+        return {path};
+    return collect_films({{path, kind}}, most, {}).films;
 }

@@ -36,3 +36,7 @@ FolderContents read_folder(const QString& path, const std::stop_token& cancelled
 /// in them and below, each folder in the order of its rows. Folders are walked once each, so that a link back up does
 /// no harm. Stops at @p most films and when @p cancelled says so. Any thread; may take long.
 CollectedFilms collect_films(const std::vector<FileManagerChoice>& choices, int most, const std::stop_token& cancelled);
+
+/// The films that @p path stands for where one path is named: those of a folder or a play list as collect_films() finds
+/// them, at most @p most; any other path stands for itself. Any thread; may take long.
+QStringList films_behind(const QString& path, int most);
