@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdint>
 #include <cstring>
@@ -19,10 +20,10 @@ using namespace std::chrono_literals;
 namespace
 {
 
-/// How long open() may take to look into a file.
+/// How long open() may take.
 constexpr auto open_limit = 5000ms;
 
-/// How long it then waits for the subtitle files beside that; what takes longer is read while the film plays.
+/// How much of that it waits for the subtitle files beside the film; what takes longer is read while the film plays.
 constexpr auto beside_limit = 2000ms;
 
 /// The library takes a relative name for anything but a file.
@@ -69,6 +70,7 @@ public:
 /// @param known what was found before; a file that is still the same is not looked into again, only what is beside it.
 MediaPlayer::Private::Findings MediaPlayer::Private::look_into(const QByteArray& path, const MediaFile& known)
 {
+    const auto end = std::chrono::steady_clock::now() + open_limit;
     Findings findings;
     findings.file = MediaFile::look_within(path, open_limit, {}, &known);
     if (findings.file.status != rask::ok)
@@ -85,7 +87,8 @@ MediaPlayer::Private::Findings MediaPlayer::Private::look_into(const QByteArray&
         const std::lock_guard lock(shared->mutex);
         shared->beside = std::move(beside);
     });
-    if (task.wait_for(beside_limit)) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    if (task.wait_for(std::clamp(left, 0ms, beside_limit))) {
         const std::lock_guard lock(shared->mutex);
         findings.beside = std::move(shared->beside);
     }
