@@ -305,6 +305,18 @@ private slots:
                                                   "settings set_playing 1"}));
     }
 
+    void a_pause_without_privacy_leaves_the_picture_alone_whatever_was_before()
+    {
+        player->combo("display_combo_privacy_mode")->setCurrentIndex(0);
+        act(player_event::pause);
+        act(player_event::play);
+        player->combo("display_combo_privacy_mode")->setCurrentIndex(1);
+        for (const int number : {int(player_event::pause), int(player_event::play)}) {
+            act(number);
+            COMPARE_CALLS(player->log_of({"fb"}), QStringList());
+        }
+    }
+
     void a_pause_that_the_navigation_program_waits_for_is_answered_before_the_sound_is_given_back()
     {
         player->clear_log();
