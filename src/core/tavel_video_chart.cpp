@@ -712,9 +712,6 @@ void TavelVideo::enter_stop()
 
 void TavelVideo::enter_file_loaded()
 {
-    ++load_number_;
-    started_ = false;
-    kept_.clear();
     if (is_navi_activated()) {
         post(player_event::close_file);
         return;

@@ -116,6 +116,24 @@ private slots:
         QVERIFY(player->log().contains(QStringLiteral("window display_information [ A SET ]")));
     }
 
+    void a_passage_ends_with_its_film_though_it_was_switched_off_meanwhile()
+    {
+        allow_repeat();
+        run_to(2000);
+        act(player_event::repeat_ab);
+        run_to(5000);
+        act(player_event::repeat_ab);
+        // The settings are still open: the buttons have not been told yet.
+        player->combo("playback_combo_repeat_mode")->setCurrentIndex(1);
+        act(player_event::stop);
+        player->post(player_event::play);
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        player->settle();
+        player->clear_log();
+        run_to(6000);
+        QVERIFY(player->log_of({"seek"}).isEmpty());
+    }
+
     void the_passage_can_be_set_while_paused()
     {
         allow_repeat();

@@ -131,8 +131,9 @@ private slots:
         player->post(player_event::pause);
         player->settle();
         player->clear_log();
-        player->post(player_event::wait_for_players, player_event::LoadNumber{1});
-        player->post(player_event::start_loaded, player_event::LoadNumber{1});
+        // The number that this film was loaded with.
+        player->post(player_event::wait_for_players, player_event::LoadNumber{0});
+        player->post(player_event::start_loaded, player_event::LoadNumber{0});
         player->settle();
         QVERIFY(player->in(&TavelVideo::pause_state));
         QVERIFY(player->log().isEmpty());
