@@ -654,6 +654,28 @@ private slots:
         QCOMPARE(bench.recorder.reports(), started + ended);
     }
 
+    void a_film_paused_after_its_last_picture_ends_when_it_is_played_on_data()
+    {
+        QTest::addColumn<int>("at");
+        QTest::newRow("last picture") << 1970;
+        QTest::newRow("sound alone") << 2300;
+        QTest::newRow("last sound") << 2960;
+    }
+
+    void a_film_paused_after_its_last_picture_ends_when_it_is_played_on()
+    {
+        QFETCH(int, at);
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("long_sound.mkv")));
+        QCOMPARE(bench.player.pause(), rask::ok);
+        QVERIFY(bench.seek(at));
+        QTRY_VERIFY(std::abs(bench.frame() - 49) <= 1);
+        bench.recorder.clear();
+        QCOMPARE(bench.player.play(), rask::ok);
+        QVERIFY(bench.recorder.wait_for_reports(3, 20s));
+        QCOMPARE(bench.recorder.reports(), QStringList({QStringLiteral("state 4")}) + ended);
+    }
+
     void each_of_many_sound_tracks_can_be_chosen()
     {
         Bench bench;

@@ -65,17 +65,17 @@ private slots:
         QVERIFY(!watch.deadline());
     }
 
-    void the_sounds_clock_is_asked_for_once_a_second_while_the_film_stands_still()
+    void somebody_looks_once_a_second_while_the_film_stands_still()
     {
         SoundWatch watch;
-        QVERIFY(!watch.wants_clock(m_start));
+        QVERIFY(!watch.wants_look(m_start));
         watch.position_moved(m_start);
-        QVERIFY(!watch.wants_clock(m_start + SoundWatch::look_interval - 1ms));
-        QVERIFY(watch.wants_clock(m_start + SoundWatch::look_interval));
-        QVERIFY(!watch.wants_clock(m_start + SoundWatch::look_interval + 50ms));
-        QVERIFY(watch.wants_clock(m_start + 2 * SoundWatch::look_interval));
+        QVERIFY(!watch.wants_look(m_start + SoundWatch::look_interval - 1ms));
+        QVERIFY(watch.wants_look(m_start + SoundWatch::look_interval));
+        QVERIFY(!watch.wants_look(m_start + SoundWatch::look_interval + 50ms));
+        QVERIFY(watch.wants_look(m_start + 2 * SoundWatch::look_interval));
         watch.position_moved(m_start + 2500ms);
-        QVERIFY(!watch.wants_clock(m_start + 3s));
+        QVERIFY(!watch.wants_look(m_start + 3s));
     }
 
     void sound_that_stands_still_with_more_to_play_is_told()

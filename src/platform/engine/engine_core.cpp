@@ -144,6 +144,11 @@ bool EngineCore::ask_number(const char* property, std::uint64_t id)
     return mpv_get_property_async(m_handle, id, property, MPV_FORMAT_DOUBLE) >= 0;
 }
 
+bool EngineCore::ask_flag(const char* property, std::uint64_t id)
+{
+    return mpv_get_property_async(m_handle, id, property, MPV_FORMAT_FLAG) >= 0;
+}
+
 void EngineCore::watch(const char* property, mpv_format format, std::uint64_t id)
 {
     mpv_observe_property(m_handle, id, property, format);

@@ -35,8 +35,9 @@ public:
     /// Whether films are heard. One that is loaded goes on, with sound that comes or goes. Off in the beginning.
     void use_sound(bool on);
     bool uses_sound() const { return m_uses_sound; }
-    /// Asks for a number that comes back in an event with @p id.
+    /// Asks for a value that comes back in an event with @p id.
     bool ask_number(const char* property, std::uint64_t id);
+    bool ask_flag(const char* property, std::uint64_t id);
     void watch(const char* property, mpv_format format, std::uint64_t id);
 
 private:

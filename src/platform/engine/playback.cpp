@@ -463,7 +463,9 @@ void Playback::on_number(const mpv_event& event)
     const auto& property = *static_cast<const mpv_event_property*>(event.data);
     const bool known = event.error >= 0 && property.format == MPV_FORMAT_DOUBLE;
     const double value = known ? *static_cast<const double*>(property.data) : 0.0;
-    if (event.reply_userdata == m_load_id && m_phase == Phase::Loading)
+    if (event.reply_userdata == end_id && event.error >= 0)
+        on_property(property, end_id);
+    else if (event.reply_userdata == m_load_id && m_phase == Phase::Loading)
         finish_load(value >= 1.0 ? rask::ok : rask::not_a_film);
     else if (event.reply_userdata == position_id)
         on_position(known ? std::optional(to_time(value)) : std::nullopt);
@@ -518,9 +520,13 @@ void Playback::on_position(std::optional<Time> position)
         if (m_core->uses_sound())
             m_sound.film_runs();
         move_to(*position);
-    } else if (m_core->uses_sound() && m_sound.wants_clock(m_told_at)) {
-        m_core->ask_number("audio-pts", sound_clock_id);
-        m_core->ask_number("demuxer-cache-time", buffered_id);
+    } else if (m_sound.wants_look(m_told_at)) {
+        // The library is known to keep quiet about an end that it came to while paused.
+        m_core->ask_flag("eof-reached", end_id);
+        if (m_core->uses_sound()) {
+            m_core->ask_number("audio-pts", sound_clock_id);
+            m_core->ask_number("demuxer-cache-time", buffered_id);
+        }
     }
 }
 
@@ -689,6 +695,8 @@ RaskStatus Playback::do_play()
     enter(Phase::Playing);
     set_paused(false);
     report_state(PlayerState::Playing);
+    if (m_at_end && m_seek_stage == SeekStage::None)
+        reach_end();
     return rask::ok;
 }
 

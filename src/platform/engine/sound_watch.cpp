@@ -57,12 +57,12 @@ void SoundWatch::position_moved(Clock::time_point now)
     m_clock.reset();
 }
 
-bool SoundWatch::wants_clock(Clock::time_point now)
+bool SoundWatch::wants_look(Clock::time_point now)
 {
-    if (!m_next_look || now < *m_next_look)
-        return false;
-    m_next_look = now + look_interval;
-    return true;
+    const bool due = m_next_look && now >= *m_next_look;
+    if (due || !m_next_look)
+        m_next_look = now + look_interval;
+    return due;
 }
 
 bool SoundWatch::stands_still(std::optional<double> clock, std::optional<double> buffered)

@@ -47,8 +47,8 @@ public:
 
     /// The position has changed, or there is a reason for it to stand still.
     void position_moved(Clock::time_point now);
-    /// @return whether it has stood still long enough for the sound's clock to be asked for.
-    bool wants_clock(Clock::time_point now);
+    /// @return whether it has stood still long enough to look why, again and again.
+    bool wants_look(Clock::time_point now);
     /// @param clock what the sound is at, in seconds of the film; none when there is no sound
     /// @param buffered up to where the film has been read, in seconds; none when unknown
     /// @return whether the sound stands still although there is more to play.
