@@ -6,6 +6,10 @@ target_compile_options(tavel_options INTERFACE
 target_compile_definitions(tavel_options INTERFACE
   QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
   QT_DISABLE_DEPRECATED_BEFORE=0x060400 _FILE_OFFSET_BITS=64)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  # Without it the system refuses to tell of a file that is dated after January 2038.
+  target_compile_definitions(tavel_options INTERFACE _TIME_BITS=64)
+endif()
 if(CMAKE_CROSSCOMPILING)
   # Libraries and programs share the precompiled header; Qt itself asks for this on some processors only.
   target_compile_options(tavel_options INTERFACE -fPIC)
