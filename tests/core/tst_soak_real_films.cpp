@@ -70,7 +70,7 @@ private slots:
         }
         std::printf("left after each round: %s\n", qPrintable(remains.describe()));
         QVERIFY2(!remains.has_new_objects(), qPrintable(remains.describe()));
-        QVERIFY2(remains.least_growth(2) <= 100000, qPrintable(remains.describe()));
+        QVERIFY2(remains.least_growth(2) <= 32768, qPrintable(remains.describe()));
         QCOMPARE(asserts.count(), 0);
     }
 
