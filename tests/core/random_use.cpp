@@ -227,7 +227,8 @@ QString RandomUse::fault_of_files() const
     if (!list_file.hasKey(QStringLiteral("now_playing")))
         return QStringLiteral("no row is said to be now playing");
     for (const QString& file : list_file.readListEntry(QStringLiteral("files")))
-        if (!files_.contains(file))
+        // The file manager may have gone anywhere, but it only offers what is there.
+        if (!files_.contains(file) && !QFileInfo::exists(file))
             return QStringLiteral("the playlist holds ") + file;
     Config bookmarks(directory + QStringLiteral("bookmark.dat"), Config::File);
     bookmarks.setGroup(QStringLiteral("Bookmarks"));
