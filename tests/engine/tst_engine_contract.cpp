@@ -148,6 +148,31 @@ const QMap<QString, Act> operations = {
     {QStringLiteral("set_speed"), [](MediaPlayer& player) { return player.set_speed(0); }},
     {QStringLiteral("select_stream"), [](MediaPlayer& player) { return player.select_stream(2, 1); }},
     {QStringLiteral("select_stream unknown"), [](MediaPlayer& player) { return player.select_stream(2, 2); }},
+    {QStringLiteral("set_video_window"), [](MediaPlayer& player) { return player.set_video_window(12, 64, 221, 126); }},
+    {QStringLiteral("set_aspect"), [](MediaPlayer& player) { return player.set_aspect(1); }},
+    {QStringLiteral("set_parameter"),
+     [](MediaPlayer& player) {
+         const std::array<qint32, 3> colour = {50, 60, 40};
+         return player.set_parameter(static_cast<int>(Parameter::Colour), colour.data(), sizeof colour);
+     }},
+    {QStringLiteral("set_parameter unknown"),
+     [](MediaPlayer& player) {
+         const std::array<qint32, 3> colour = {50, 60, 40};
+         return player.set_parameter(3, colour.data(), sizeof colour);
+     }},
+    {QStringLiteral("set_option off"),
+     [](MediaPlayer& player) { return player.set_option(static_cast<int>(Option::DigitalOutput), false); }},
+    {QStringLiteral("set_option unknown"), [](MediaPlayer& player) { return player.set_option(2, false); }},
+    {QStringLiteral("query"),
+     [](MediaPlayer& player) {
+         bool busy = false;
+         return player.query(static_cast<int>(Query::Busy), &busy);
+     }},
+    {QStringLiteral("query unknown"),
+     [](MediaPlayer& player) {
+         bool busy = false;
+         return player.query(4, &busy);
+     }},
     {QStringLiteral("close"), [](MediaPlayer& player) { return player.close(); }},
     {QStringLiteral("release"), [](MediaPlayer& player) { return player.release(); }},
     {QStringLiteral("(the film ends)"),

@@ -656,6 +656,7 @@ RaskStatus Playback::do_stop()
     m_seek_deadline.reset();
     m_scan_tick.reset();
     m_seek_stage = SeekStage::None;
+    update_busy();
     m_seek_reports = 0;
     m_seek_resumes = false;
     m_started = false;
@@ -781,7 +782,13 @@ void Playback::enter(Phase phase)
         m_position_tick.reset();
     else if (!m_position_tick)
         m_position_tick = Clock::now();
-    m_busy = phase == Phase::Playing || phase == Phase::Scanning || phase == Phase::Loading;
+    update_busy();
+}
+
+void Playback::update_busy()
+{
+    m_busy = m_phase == Phase::Playing || m_phase == Phase::Scanning || m_phase == Phase::Loading ||
+             m_seek_stage != SeekStage::None;
 }
 
 void Playback::set_paused(bool paused)
@@ -793,6 +800,7 @@ void Playback::start_seek(Time target, bool exact, bool reported)
 {
     m_seek_id = ++m_last_id;
     m_seek_stage = SeekStage::Sent;
+    update_busy();
     m_seek_target = target;
     m_seek_reports += reported ? 1 : 0;
     m_seek_deadline = Clock::now() + seek_limit;
@@ -804,6 +812,7 @@ void Playback::start_seek(Time target, bool exact, bool reported)
 void Playback::finish_seek(Time position)
 {
     m_seek_stage = SeekStage::None;
+    update_busy();
     m_seek_deadline.reset();
     m_position = position;
     m_steady_answers = 0;

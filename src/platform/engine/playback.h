@@ -143,6 +143,7 @@ private:
 
     bool is_loaded() const { return m_phase >= Phase::Ready && m_phase <= Phase::Ended; }
     void enter(Phase phase);
+    void update_busy();
     void set_paused(bool paused);
     void start_seek(Time target, bool exact, bool reported);
     void finish_seek(Time position);

@@ -100,7 +100,12 @@ unsigned MediaPlayer::set_parameter(int number, const void* value, unsigned size
         std::memcpy(&word, static_cast<const char*>(value) + offset, sizeof word);
         arguments += u' ' + QString::number(word);
     }
-    return Private::call("set_parameter", arguments);
+    const RaskStatus status = Private::call("set_parameter", arguments);
+    if (status != rask::ok)
+        return status;
+    constexpr unsigned three_words = 3 * sizeof(std::int32_t);
+    return number == static_cast<int>(Parameter::Colour) && value && size == three_words ? rask::ok
+                                                                                         : rask::out_of_range;
 }
 
 unsigned MediaPlayer::release()
@@ -166,7 +171,10 @@ unsigned MediaPlayer::query(int number, bool* answer)
 
 unsigned MediaPlayer::set_option(int option, bool on)
 {
-    return Private::call("set_option", QStringLiteral("%1 %2").arg(option).arg(on ? 1 : 0));
+    const RaskStatus status = Private::call("set_option", QStringLiteral("%1 %2").arg(option).arg(on ? 1 : 0));
+    if (status != rask::ok)
+        return status;
+    return option == static_cast<int>(Option::DigitalOutput) ? rask::ok : rask::out_of_range;
 }
 
 int MediaPlayer::get_speed()
