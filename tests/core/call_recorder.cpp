@@ -353,6 +353,8 @@ TAVEL_SEAM(void, transition, "_ZN8TavelHsm8tranStatEPNS_4TranENS_5StateE",
 TAVEL_CALL(int, send, "_ZN10VeskSocket4sendERK7QString", (VeskSocket * self, const QString& text), (self, text),
            line_of("socket", text))
 
+TAVEL_CALL(void, wake, "_ZN14QPEApplication15wakeUpGuiThreadEv", (), (), line_of("wake"))
+
 TAVEL_SEAM(void, quit, "_ZN16QCoreApplication4quitEv", ())
 {
     note(line_of("quit"));

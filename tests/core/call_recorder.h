@@ -10,7 +10,7 @@
 ///
 /// Lines: "bar hideButton pause", "time_bar set_slidervalue 4", "playlist save_now_playing 4500", "settings set_playing
 /// 1", "window display_information [ PLAY ]", "show FILEMANAGER", "socket STOP", "post 2101 1 9000", "-> play_state",
-/// "quit".
+/// "wake", "quit".
 namespace call_recorder
 {
 

@@ -577,6 +577,49 @@ private slots:
         QVERIFY(player->in(&TavelVideo::end_of_stream_state));
     }
 
+    // ---- the engine's reports
+
+    void each_report_is_posted_and_the_gui_thread_woken()
+    {
+        const auto here = scripted_engine::From::Caller;
+        const auto calls_of = [this](const std::function<void()>& report) {
+            player->clear_log();
+            report();
+            return player->log();
+        };
+        const QList<std::pair<PlayerState, const char*>> states{{PlayerState::Prepared, "post 3007"},
+                                                                {PlayerState::Playing, "post 3002"},
+                                                                {PlayerState::Stopped, "post 3004"},
+                                                                {PlayerState::Paused, "post 3003"}};
+        for (const auto& [state, post] : states)
+            COMPARE_CALLS(calls_of([state = state, here] { scripted_engine::report_state(state, here); }),
+                          QStringList({post, "wake"}));
+        COMPARE_CALLS(calls_of([here] { scripted_engine::report_time(1500, here); }),
+                      QStringList({"post 2104", "wake"}));
+        COMPARE_CALLS(
+            calls_of([here] { scripted_engine::report_stream(StreamType::Film, StreamState::Started, here); }),
+            QStringList({"post 3006", "wake"}));
+        COMPARE_CALLS(calls_of([here] { scripted_engine::report_stream(StreamType::Film, StreamState::Ended, here); }),
+                      QStringList({"post 3005", "wake"}));
+        COMPARE_CALLS(calls_of([here] { scripted_engine::report_error(37, here); }), QStringList());
+        COMPARE_CALLS(calls_of([here] { scripted_engine::report_error(7, here); }), QStringList({"post 3000", "wake"}));
+        // Handling the error shows a notice.
+        player->at_next_notice();
+        QTRY_COMPARE(player->notices().size(), 1);
+    }
+
+    void passing_b_is_posted_and_the_gui_thread_woken()
+    {
+        allow_repeat();
+        run_to(2000);
+        act(player_event::repeat_ab);
+        run_to(5000);
+        act(player_event::repeat_ab);
+        player->clear_log();
+        scripted_engine::report_time(5100, scripted_engine::From::Caller);
+        COMPARE_CALLS(player->log(), QStringList({"post 2003 4 2000", "wake"}));
+    }
+
 private:
     /// Posts an event and lets everything happen that it leads to; the log begins with what it does.
     void act(int number, std::any payload = {})
