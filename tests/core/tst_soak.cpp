@@ -1,6 +1,7 @@
 #include "player.h"
 #include "qpe_application.h"
 #include "random_use.h"
+#include "rounds.h"
 #include "test_main.h"
 
 #include <cstdio>
@@ -81,8 +82,9 @@ private slots:
         QFETCH(quint32, seed);
         const MachineAsserts asserts;
         RandomUse use(seed, files, use_the_engine);
-        const int steps =
-            qEnvironmentVariableIsSet("TAVEL_SOAK_STEPS") ? qEnvironmentVariableIntValue("TAVEL_SOAK_STEPS") : 2000;
+        const int steps = qEnvironmentVariableIsSet("TAVEL_SOAK_STEPS")
+                              ? qEnvironmentVariableIntValue("TAVEL_SOAK_STEPS")
+                              : test_support::rounds(2000);
         player = std::make_unique<Player>();
         for (int step = 0; step < steps; ++step) {
             take_step(use);

@@ -1,4 +1,5 @@
 #include "config.h"
+#include "rounds.h"
 #include "test_main.h"
 
 #include <csignal>
@@ -443,7 +444,7 @@ void TestConfig::random_bytes_do_no_harm()
     QLoggingCategory::setFilterRules(QStringLiteral("*.warning=false"));
     const auto loud_again = qScopeGuard([] { QLoggingCategory::setFilterRules(QString()); });
     const QString path = fresh_path();
-    for (int round = 0; round < 300; ++round) {
+    for (int round = 0; round < test_support::rounds(300); ++round) {
         QByteArray bytes;
         const int size = static_cast<int>(random() % 2000);
         const bool likely = random() % 2 == 0;
@@ -623,7 +624,7 @@ void TestConfig::a_failure_is_news_again_after_a_success()
 
 void TestConfig::a_writer_killed_a_thousand_times_leaves_old_or_new_content()
 {
-    constexpr int kills = 1000;
+    constexpr int kills = test_support::rounds(1000);
     const QString path = fresh_path();
     const auto list_of = [](int generation) {
         QStringList files;
@@ -661,7 +662,7 @@ void TestConfig::a_writer_killed_a_thousand_times_leaves_old_or_new_content()
             }
         }
         ::close(pipe_ends[1]);
-        const auto moment = std::chrono::microseconds(random() % 6000);
+        const auto moment = std::chrono::microseconds(random() % test_support::stretched(6000));
         std::this_thread::sleep_for(moment); // the random moment is the point
         ::kill(child, SIGKILL);
         int status = 0;
@@ -687,8 +688,8 @@ void TestConfig::a_writer_killed_a_thousand_times_leaves_old_or_new_content()
         least = generation;
     }
     // Otherwise the moments were badly chosen and nothing was shown.
-    QVERIFY2(least > 100, qPrintable(QString::number(least)));
-    QVERIFY2(in_the_middle > 50, qPrintable(QString::number(in_the_middle)));
+    QVERIFY2(least > kills / 10, qPrintable(QString::number(least)));
+    QVERIFY2(in_the_middle > kills / 20, qPrintable(QString::number(in_the_middle)));
 }
 
 void TestConfig::a_file_left_by_a_killed_writer_is_used_up()
