@@ -45,7 +45,7 @@ QByteArray box(const QByteArray& type, const QByteArray& content)
 }
 
 /// Where pieces of the old file begin, and where they go.
-using Places = std::map<quint32, qint64>;
+using Places = std::map<qint64, qint64>;
 
 /// Collects the places of a "stco" table: version and flags, a count, and 32 bits for each piece.
 void collect(const QByteArray& data, const Box& table, Places& places)
