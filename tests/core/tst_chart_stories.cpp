@@ -325,6 +325,21 @@ private slots:
         plays_to_its_end();
     }
 
+    void an_error_of_the_opening_before_does_not_hurt_the_film_that_was_opened_since()
+    {
+        start(1);
+        QTcpSocket peer;
+        wait_with_peer(peer);
+        // Reported before the film is opened once more, acted on after it.
+        player->post(player_event::play);
+        scripted_engine::report_error(7);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::play_state));
+        QVERIFY(player->notices().isEmpty());
+        QCOMPARE(player->playlist()->get_count(), 1);
+        plays_to_its_end();
+    }
+
     void a_pause_during_the_wait_holds_the_film_once_it_has_started()
     {
         start(1);
