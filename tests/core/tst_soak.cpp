@@ -50,7 +50,8 @@ void use_the_engine(RandomUse& use)
 
 /// Random use from a seed on the whole player.
 ///
-/// TAVEL_SOAK_STEPS sets how many steps a seed takes (2000 without it), TAVEL_SOAK_SEED which seed is used alone.
+/// TAVEL_SOAK_STEPS sets how many steps a seed takes (2000 without it), TAVEL_SOAK_SEED which seed is used alone,
+/// TAVEL_SOAK_TALK lets everything be said.
 class SoakTest : public QObject
 {
     Q_OBJECT
