@@ -274,7 +274,8 @@ private slots:
         QTest::addColumn<QString>("film");
         QTest::addColumn<bool>("playing");
         QTest::addColumn<int>("target");
-        for (const char* film : {"h264.mp4", "h264.mkv", "mpeg4.avi", "wmv2.asf", "theora.ogg", "one_key_frame.mp4"}) {
+        for (const char* film : {"h264.mp4", "h264.mkv", "h264.ts", "mpeg4.avi", "mpeg1.mpg", "wmv2.asf", "theora.ogg",
+                                 "one_key_frame.mp4"}) {
             for (const int target : {0, 40, 1010, 2500, 5800}) {
                 QTest::addRow("%s resting, to %d", film, target) << QString::fromLatin1(film) << false << target;
             }
@@ -451,6 +452,15 @@ private slots:
         QTRY_VERIFY(lightness(bench.picture(), bar) > 20);
         QCOMPARE(bench.player.set_aspect(1), rask::ok);
         QTRY_VERIFY(lightness(bench.picture(), bar) < 3);
+    }
+
+    void a_film_with_a_palette_shows_its_colours()
+    {
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("palette.mkv")));
+        QTRY_VERIFY(!bench.picture().isNull());
+        const QRgb pixel = bench.picture().pixel(240, 136);
+        QVERIFY2(qRed(pixel) > 245 && qGreen(pixel) < 10 && qBlue(pixel) < 10, qPrintable(QColor(pixel).name()));
     }
 
     void a_turned_film_is_shown_upright()

@@ -25,7 +25,7 @@ constexpr const char* from_source = "-i SOURCE";
 constexpr const char* x264 = "-c:v libx264 -preset ultrafast -g 25 -bf 2 -pix_fmt yuv420p";
 
 // clang-format off
-constexpr std::array<Recipe, 30> recipes = {{
+constexpr std::array<Recipe, 31> recipes = {{
     {"h264.mp4",         from_source, "X264 -c:a aac -ac 2"},
     {"h264.mkv",         from_source, "X264 -c:a aac -ac 2"},
     {"h264.ts",          from_source, "X264 -c:a aac -ac 2 -f mpegts"},
@@ -56,6 +56,7 @@ constexpr std::array<Recipe, 30> recipes = {{
     {"many_sounds.mkv",  from_source, "-t 2 -map 0:v MAPS X264 -c:a libmp3lame"},
     {"unknown_length.mkv", from_source, "X264 -c:a aac -live 1"},
     {"long_sound.mkv",   "-t 2 -i SOURCE -t 3 -i SOURCE", "-map 0:v -map 1:a X264 -c:a aac"},
+    {"palette.mkv",      "-f lavfi -i color=red:size=480x272:rate=25:duration=2", "-c:v png -pix_fmt pal8"},
     {"minute.mp4",       "-stream_loop 9 -i SOURCE", "X264 -c:a aac"},
 }};
 // clang-format on

@@ -116,6 +116,8 @@ MediaFile MediaFile::look(const QByteArray& path, const std::atomic<bool>& cance
 
     auto& container = file.infos[QStringLiteral("container")];
     container[QStringLiteral("name")] = container_name(format->iformat->name);
+    file.lacks_index = container[QStringLiteral("name")] == QLatin1String("MPEG") ||
+                       container[QStringLiteral("name")] == QLatin1String("Ogg");
     const int best_video = av_find_best_stream(format.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
     for (unsigned index = 0; index < format->nb_streams; ++index) {
         const AVStream& stream = *format->streams[index];
@@ -126,6 +128,7 @@ MediaFile MediaFile::look(const QByteArray& path, const std::atomic<bool>& cance
             file.width = parameters.width;
             file.height = parameters.height;
             file.rotation = rotation_of(stream);
+            file.has_palette = parameters.format == AV_PIX_FMT_PAL8;
             video = {{QStringLiteral("name"), codec_name(parameters)},
                      {QStringLiteral("width"), QString::number(parameters.width)},
                      {QStringLiteral("height"), QString::number(parameters.height)},

@@ -124,8 +124,9 @@ unsigned MediaPlayer::prepare(const char* file_name)
         if (const unsigned status = MediaPlayer::open(file_name); status != rask::ok)
             return status;
     }
-    const unsigned status = d->playback->load(
-        {path, d->file.length, d->file.seekable, d->file.height, d->file.audio_streams, d->file.rotation});
+    const unsigned status =
+        d->playback->load({path, d->file.length, d->file.seekable, d->file.height, d->file.audio_streams,
+                           d->file.rotation, d->file.has_palette, d->file.lacks_index});
     if (status == rask::ok)
         d->subtitles->read_rest(d->subtitles_ready);
     return status;

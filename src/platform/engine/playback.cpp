@@ -40,6 +40,9 @@ constexpr Time steady_within = 70;
 constexpr auto scan_report_interval = 100ms;
 constexpr auto scan_seek_interval = 300ms;
 
+/// Films without an index are read from this much before the place that is sought, or the next key frame would be met.
+constexpr double seek_margin_s = 2.0;
+
 /// Pictures up to this height are decoded by one thread: more cost more than they gain.
 constexpr int one_thread_height = 480;
 constexpr int two_thread_height = 720;
@@ -51,7 +54,7 @@ enum FixedId : std::uint64_t { end_id = 1, position_id = 2, sound_clock_id = 3, 
 
 /// What turns the picture. The library's own rotation is off: its software renderer takes a turned size for the
 /// picture's and ends the process.
-const char* turning_filter(int degrees)
+QByteArray turning_filter(int degrees)
 {
     switch (degrees) {
     case 90:
@@ -61,8 +64,19 @@ const char* turning_filter(int degrees)
     case 270:
         return "lavfi=[transpose=cclock]";
     default:
-        return "";
+        return {};
     }
+}
+
+QByteArray picture_filters(const Playback::Film& film)
+{
+    QByteArrayList filters;
+    // Left to itself the library turns a palette into a kind of YUV that its renderer takes for another.
+    if (film.has_palette)
+        filters += "format=bgr0";
+    if (const QByteArray turning = turning_filter(film.rotation); !turning.isEmpty())
+        filters += turning;
+    return filters.join(',');
 }
 
 double to_seconds(Time position)
@@ -598,7 +612,8 @@ void Playback::send_load(Time start)
     const int threads = m_film.height <= one_thread_height ? 1 : m_film.height <= two_thread_height ? 2 : 0;
     m_core->set("hwdec", graphics ? "auto-copy-safe" : "no");
     m_core->set("vd-lavc-threads", QByteArray::number(threads));
-    m_core->set("vf", turning_filter(m_film.rotation));
+    m_core->set("vf", picture_filters(m_film));
+    m_core->set("hr-seek-demuxer-offset", m_film.lacks_index ? seek_margin_s : 0.0);
     m_core->use_sound(m_sound.trust(Clock::now()) == SoundWatch::Trust::Full);
     set_paused(m_phase != Phase::Playing);
     m_core->set("aid", m_sound_track > 0 ? QByteArray::number(m_sound_track) : "auto");

@@ -34,7 +34,9 @@ public:
         bool seekable = false;
         int height = 0; ///< of the picture, in pixels
         int audio_streams = 0;
-        int rotation = 0; ///< 0, 90, 180 or 270 degrees, clockwise
+        int rotation = 0;         ///< 0, 90, 180 or 270 degrees, clockwise
+        bool has_palette = false; ///< as MediaFile has them
+        bool lacks_index = false;
     };
 
     /// Starts the engine's thread. @param callback may be null
