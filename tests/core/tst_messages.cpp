@@ -180,6 +180,15 @@ private slots:
         QCOMPARE(player->playlist()->get_current_index(), 0);
     }
 
+    void a_list_gives_the_window_the_focus_beside_open_settings_too()
+    {
+        player->post(player_event::open_settings);
+        player->settle();
+        QVERIFY(DeviceScreen::instance()->is_active(player->settings()));
+        player->hand_over({QStringLiteral("/a.avi")});
+        QVERIFY(DeviceScreen::instance()->is_active(player->window()));
+    }
+
     void a_new_list_starts_from_the_beginning()
     {
         player->play_a_film();
