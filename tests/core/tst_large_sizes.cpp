@@ -4,7 +4,9 @@
 #include "test_main.h"
 #include "time_skin.h"
 
+#include <array>
 #include <ctime>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 
@@ -34,16 +36,17 @@ private slots:
     void a_film_of_the_year_2040_is_a_film()
     {
         const QString file = player->make_files(1).first();
-        QFile film(file);
-        QVERIFY(film.open(QIODevice::ReadWrite));
+        const QByteArray path = QFile::encodeName(file);
         const QDateTime late(QDate(2040, 2, 29), QTime(12, 0), Qt::UTC);
-        QVERIFY(film.setFileTime(late, QFileDevice::FileModificationTime));
-        film.close();
-        if (QFileInfo(file).lastModified() != late)
+        // The toolkit itself sets no such date where it was built with 32 bits for the time.
+        timespec stamp = {};
+        stamp.tv_sec = late.toSecsSinceEpoch();
+        const std::array stamps{stamp, stamp};
+        QCOMPARE(::utimensat(AT_FDCWD, path.constData(), stamps.data(), 0), 0);
+        struct stat info = {};
+        QCOMPARE(::stat(path.constData(), &info), 0);
+        if (info.st_mtime == std::numeric_limits<qint32>::max())
             QSKIP("this file system keeps no dates after 2038");
-        struct stat info {
-        };
-        QCOMPARE(::stat(QFile::encodeName(file).constData(), &info), 0);
         QCOMPARE(qint64(info.st_mtime), late.toSecsSinceEpoch());
         player->hand_over({file});
         QTRY_VERIFY(player->in(&TavelVideo::play_state));
