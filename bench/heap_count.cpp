@@ -92,16 +92,21 @@ std::string asker_of(const char* symbol)
     return scope == std::string::npos ? name : name.substr(0, scope);
 }
 
-/// Called under the lock.
-const Place& place_of(std::uintptr_t address)
+/// Never called under the lock: asking the loader waits for a thread that loads, and that one may wait for the lock.
+Place place_of(std::uintptr_t address)
 {
     Notes& all = notes();
-    const auto known = all.places.find(address);
-    if (known != all.places.end())
-        return known->second;
-    Place place{0, 0, true};
+    {
+        const std::lock_guard lock(all.mutex);
+        const auto known = all.places.find(address);
+        if (known != all.places.end())
+            return known->second;
+    }
     Dl_info info{};
-    if (dladdr(reinterpret_cast<void*>(address), &info) != 0 && info.dli_fname != nullptr) {
+    const bool is_found = dladdr(reinterpret_cast<void*>(address), &info) != 0 && info.dli_fname != nullptr;
+    const std::lock_guard lock(all.mutex);
+    Place place{0, 0, true};
+    if (is_found) {
         const char* slash = std::strrchr(info.dli_fname, '/');
         const std::string library = slash != nullptr ? slash + 1 : info.dli_fname;
         const bool is_ours = library == all.program || library.rfind("tavel_engine", 0) == 0;
@@ -134,20 +139,20 @@ void note(const void* block, std::size_t bytes)
     is_noting = true;
     Stack stack;
     _Unwind_Backtrace(add_frame, &stack);
+    Note note{static_cast<std::uint32_t>(bytes), 0, 0};
+    std::uint16_t outermost = 0;
+    for (std::size_t at = 0; at < stack.depth; ++at) {
+        const Place place = place_of(stack.addresses[at]);
+        if (note.library == 0 && !place.is_general)
+            note.library = place.library;
+        if (note.asker == 0)
+            note.asker = place.asker;
+        if (!place.is_general)
+            outermost = place.library;
+    }
     {
         Notes& all = notes();
         const std::lock_guard lock(all.mutex);
-        Note note{static_cast<std::uint32_t>(bytes), 0, 0};
-        std::uint16_t outermost = 0;
-        for (std::size_t at = 0; at < stack.depth; ++at) {
-            const Place& place = place_of(stack.addresses[at]);
-            if (note.library == 0 && !place.is_general)
-                note.library = place.library;
-            if (note.asker == 0)
-                note.asker = place.asker;
-            if (!place.is_general)
-                outermost = place.library;
-        }
         if (note.asker == 0)
             note.asker = all.index_of("threads of " + all.names[outermost]);
         all.blocks[block] = note;
