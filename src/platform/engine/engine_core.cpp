@@ -17,7 +17,7 @@ constexpr const char* with_sound = "pulse,pipewire,alsa,null";
 constexpr const char* without_sound = "null";
 
 /// What the library is told before it starts. Everything a desktop player would read, show or listen to is off.
-constexpr std::array<Setting, 44> settings = {{
+constexpr std::array<Setting, 45> settings = {{
     {"config", "no"},
     {"load-scripts", "no"},
     {"load-stats-overlay", "no"},
@@ -62,7 +62,10 @@ constexpr std::array<Setting, 44> settings = {{
     {"audio-client-name", "tavel_video"},
     // Small buffers wake threads to no end: with these the sound takes a hundred wake-ups a second less.
     {"pulse-buffer", "200"},
-    {"ao-null-buffer", "1"},
+    // Nothing is held until the sound is opened: what an output holds is lost when it is exchanged, and the picture
+    // would be late by as much.
+    {"audio-buffer", "0.02"},
+    {"ao-null-buffer", "0.02"},
     {"audio-pitch-correction", "yes"},
     {"volume-max", "100"},
     {"network-timeout", "5"},
@@ -135,8 +138,11 @@ void EngineCore::set(const char* property, double value)
 
 void EngineCore::use_sound(bool on)
 {
-    if (std::exchange(m_uses_sound, on) != on)
-        set("ao", on ? with_sound : without_sound);
+    if (std::exchange(m_uses_sound, on) == on)
+        return;
+    set("audio-buffer", 0.2);
+    set("ao-null-buffer", 1.0);
+    set("ao", on ? with_sound : without_sound);
 }
 
 bool EngineCore::ask_number(const char* property, std::uint64_t id)
