@@ -337,11 +337,15 @@ private slots:
         QVERIFY(bench.runs_on(500));
         const double rate = rate_over(bench, 5000);
         QVERIFY2(is_real_time(rate), qPrintable(QString::number(rate)));
-        // Once it has come back the next film is heard.
+        // Once it has come back the next film is heard. When its end held the engine up, that is one a minute later.
         QVERIFY(server.start());
         server.forget();
-        QVERIFY(bench.start(test_films::path("minute.mp4")));
-        QTRY_VERIFY(server.loudness() > audible);
+        bool heard = false;
+        for (int film = 0; film < 10 && !heard; ++film) {
+            QVERIFY(bench.start(test_films::path("minute.mp4")));
+            heard = QTest::qWaitFor([&server] { return server.loudness() > audible; }, 8000);
+        }
+        QVERIFY(heard);
     }
 
     void a_film_plays_on_when_the_sound_server_stands_still()
