@@ -1,4 +1,5 @@
 #include "control_skin.h"
+#include "printed_text.h"
 #include "skin_directory.h"
 #include "volume_skin.h"
 
@@ -34,23 +35,6 @@ void let_hold_expire(ControlSkin& bar)
     QVERIFY(timer->isActive());
     QTimerEvent expired(timer->timerId());
     QCoreApplication::sendEvent(timer, &expired);
-}
-
-/// What the process writes to standard output meanwhile.
-template<typename Action> QByteArray printed_by(Action action)
-{
-    QTemporaryFile file;
-    if (!file.open())
-        return "no file";
-    std::fflush(stdout);
-    const int kept = dup(STDOUT_FILENO);
-    dup2(file.handle(), STDOUT_FILENO);
-    action();
-    std::fflush(stdout);
-    dup2(kept, STDOUT_FILENO);
-    close(kept);
-    file.seek(0);
-    return file.readAll();
 }
 
 } // namespace
@@ -163,16 +147,14 @@ private slots:
 
     void long_press_is_written_to_standard_output()
     {
-        const QByteArray long_press = printed_by([&] {
-            bar->pressButton("pageup");
-            let_hold_expire(*bar);
-        });
-        QCOMPARE(long_press, QByteArray("long key pressed : pageup\n"));
-        const QByteArray short_press = printed_by([&] {
-            bar->pressButton("pageup");
-            bar->releaseButton("pageup");
-        });
-        QCOMPARE(short_press, QByteArray());
+        PrintedText long_press;
+        bar->pressButton("pageup");
+        let_hold_expire(*bar);
+        QCOMPARE(long_press.take(), QByteArray("long key pressed : pageup\n"));
+        PrintedText short_press;
+        bar->pressButton("pageup");
+        bar->releaseButton("pageup");
+        QCOMPARE(short_press.take(), QByteArray());
     }
 
     void other_button_held_for_long_sends_its_plain_name_on_release()
