@@ -63,7 +63,8 @@ protected:
     template<typename Row> void remove_cursor_row();
 
     /// Exchanges what the row under the cursor holds with its neighbour @p step (1 or -1) away; the numbers stay where
-    /// they are. The cursor goes with its file, without telling, and stays in view.
+    /// they are. The cursor goes with its file, without telling. A row that goes up past the top of the view becomes
+    /// the first row in view, a row that goes down to a place out of view the last one; else nothing scrolls.
     /// @return false at the list's end, where nothing happens.
     template<typename Row> bool move_cursor_row(int step);
 
@@ -109,7 +110,14 @@ template<typename Row> bool ListPanel::move_cursor_row(int step)
     Row* at_neighbour = row<Row>(cursor)->moved_to(row<Row>(neighbour)->number());
     list_box_->changeItem(at_cursor, cursor);
     list_box_->changeItem(at_neighbour, neighbour);
+    const int top = list_box_->topItem();
     const QSignalBlocker silence(list_box_.get());
     list_box_->setCurrentItem(neighbour);
+    // Undoes the scrolling of setCurrentItem(), which takes the shortest way.
+    list_box_->setTopItem(top);
+    if (step < 0 && neighbour < top)
+        list_box_->setTopItem(neighbour);
+    else if (step > 0 && !list_box_->itemVisible(neighbour))
+        list_box_->setBottomItem(neighbour);
     return true;
 }

@@ -120,6 +120,27 @@ ListBoxSkin* list_box_of(QWidget* panel)
     return panel->findChild<ListBoxSkin*>(QStringLiteral("file_listbox"));
 }
 
+void add_moves_to_scroll_after()
+{
+    QTest::addColumn<int>("step");
+    QTest::addColumn<int>("cursor");
+    QTest::addColumn<int>("top");
+    QTest::addColumn<int>("top_after");
+    QTest::newRow("up, in the view") << -1 << 13 << 10 << 10;
+    QTest::newRow("up, to the top of the view") << -1 << 11 << 10 << 10;
+    QTest::newRow("up, from the top of the view") << -1 << 10 << 10 << 9;
+    QTest::newRow("up, above the view") << -1 << 3 << 10 << 2;
+    QTest::newRow("up, into the view from below") << -1 << 15 << 10 << 10;
+    QTest::newRow("up, below the view") << -1 << 17 << 5 << 5;
+    QTest::newRow("down, in the view") << 1 << 12 << 10 << 10;
+    QTest::newRow("down, to the bottom of the view") << 1 << 13 << 10 << 10;
+    QTest::newRow("down, from the bottom of the view") << 1 << 14 << 10 << 11;
+    QTest::newRow("down, below the view") << 1 << 17 << 5 << 14;
+    QTest::newRow("down, into the view from above") << 1 << 9 << 10 << 10;
+    QTest::newRow("down, above the view") << 1 << 7 << 10 << 4;
+    QTest::newRow("down, above the view, no rows to fill it") << 1 << 1 << 10 << 0;
+}
+
 StandardOutput::StandardOutput()
 {
     file_.open();

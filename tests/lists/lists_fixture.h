@@ -49,6 +49,11 @@ public:
 /// The panel's list box.
 ListBoxSkin* list_box_of(QWidget* panel);
 
+/// Rows of data for a move of the row under the cursor in a list of moved_list_length rows, of which the view holds
+/// five: int step (-1 up, 1 down), int cursor, int top (first row in view before the move), int top_after.
+void add_moves_to_scroll_after();
+inline constexpr int moved_list_length = 20;
+
 /// Takes what the program prints to its standard output as long as it lives.
 class StandardOutput
 {

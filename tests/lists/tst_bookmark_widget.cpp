@@ -27,7 +27,8 @@ private slots:
     void removing_from_an_empty_list_does_nothing();
     void moving_exchanges_the_bookmarks_and_keeps_the_numbers_data();
     void moving_exchanges_the_bookmarks_and_keeps_the_numbers();
-    void moving_keeps_the_row_in_view_and_is_not_announced();
+    void moving_scrolls_no_further_than_the_list_has_to_and_is_not_announced_data();
+    void moving_scrolls_no_further_than_the_list_has_to_and_is_not_announced();
 
     void any_bookmark_comes_back_as_it_was();
     void the_file_has_its_group_and_key();
@@ -228,19 +229,27 @@ void TestBookmarkWidget::moving_exchanges_the_bookmarks_and_keeps_the_numbers()
     QCOMPARE(saved(), in_file);
 }
 
-void TestBookmarkWidget::moving_keeps_the_row_in_view_and_is_not_announced()
+void TestBookmarkWidget::moving_scrolls_no_further_than_the_list_has_to_and_is_not_announced_data()
 {
-    for (int i = 0; i < 20; ++i)
+    lists_fixture::add_moves_to_scroll_after();
+}
+
+void TestBookmarkWidget::moving_scrolls_no_further_than_the_list_has_to_and_is_not_announced()
+{
+    QFETCH(int, step);
+    QFETCH(int, cursor);
+    QFETCH(int, top);
+    for (int i = 0; i < lists_fixture::moved_list_length; ++i)
         panel_->add_track(QString::number(i), 0);
-    list()->setCurrentItem(10);
-    list()->setTopItem(10);
+    list()->setCurrentItem(cursor);
+    list()->setTopItem(top);
     const QSignalSpy announced(panel_.get(), &BookmarkWidget::selected_file);
-    panel_->move_up();
-    QCOMPARE(list()->topItem(), 9);
-    list()->setBottomItem(9);
-    panel_->move_down();
-    QVERIFY(list()->itemVisible(10));
-    QVERIFY(!list()->itemVisible(11));
+    if (step < 0)
+        panel_->move_up();
+    else
+        panel_->move_down();
+    QTEST(list()->topItem(), "top_after");
+    QCOMPARE(list()->currentItem(), cursor + step);
     QCOMPARE(announced.count(), 0);
 }
 

@@ -42,7 +42,8 @@ private slots:
     void moving_exchanges_the_paths_and_keeps_the_numbers_data();
     void moving_exchanges_the_paths_and_keeps_the_numbers();
     void moving_takes_the_mark_along();
-    void moving_keeps_the_row_in_view();
+    void moving_scrolls_no_further_than_the_list_has_to_data();
+    void moving_scrolls_no_further_than_the_list_has_to();
     void moving_is_not_announced_and_does_not_save();
 
     void the_mark_is_there_only_while_something_plays();
@@ -442,21 +443,27 @@ void TestPlayListStore::moving_takes_the_mark_along()
         QCOMPARE(row(i)->now_playing(), i == 0);
 }
 
-void TestPlayListStore::moving_keeps_the_row_in_view()
+void TestPlayListStore::moving_scrolls_no_further_than_the_list_has_to_data()
 {
-    for (int i = 0; i < 20; ++i)
+    lists_fixture::add_moves_to_scroll_after();
+}
+
+void TestPlayListStore::moving_scrolls_no_further_than_the_list_has_to()
+{
+    QFETCH(int, step);
+    QFETCH(int, cursor);
+    QFETCH(int, top);
+    for (int i = 0; i < lists_fixture::moved_list_length; ++i)
         panel_->add_track(QString::number(i));
     auto* list = lists_fixture::list_box_of(panel_);
-    panel_->set_current_index(10);
-    list->setTopItem(10);
-    panel_->move_up();
-    QCOMPARE(list->topItem(), 9);
-    panel_->set_current_index(12);
-    list->setBottomItem(12);
-    QVERIFY(!list->itemVisible(13));
-    panel_->move_down();
-    QVERIFY(list->itemVisible(13));
-    QVERIFY(!list->itemVisible(14));
+    panel_->set_current_index(cursor);
+    list->setTopItem(top);
+    if (step < 0)
+        panel_->move_up();
+    else
+        panel_->move_down();
+    QTEST(list->topItem(), "top_after");
+    QCOMPARE(panel_->get_current_index(), cursor + step);
 }
 
 void TestPlayListStore::moving_is_not_announced_and_does_not_save()
