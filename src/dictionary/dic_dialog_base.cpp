@@ -41,6 +41,8 @@ void set_picture(TavelButton* button, const QString& name, const QString& text)
     QImage strip = Resource::loadImage(name);
     if (strip.isNull())
         strip = plain_strip(button->size());
+    // A picture with a palette cannot be painted on.
+    strip.convertTo(QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&strip);
     painter.setFont(device_font(QStringLiteral("V28"), 13, 50));
     QRect frame(0, 0, strip.width() / TavelButton::FRAME_COUNT, strip.height());

@@ -98,7 +98,19 @@ private:
     ChildProgram program_;
 };
 
-void save_picture(const char* name, QSize size, const QList<QColor>& frames)
+/// How many pixels of a red picture are written upon in white.
+int ink_on_red(const QImage& picture)
+{
+    int ink = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            ink += picture.pixelColor(x, y).green() > 128 ? 1 : 0;
+    }
+    return ink;
+}
+
+void save_picture(const char* name, QSize size, const QList<QColor>& frames,
+                  QImage::Format format = QImage::Format_ARGB32)
 {
     const QString path =
         QString::fromLocal8Bit(qgetenv("QPEDIR")) + QStringLiteral("pics/tavel_video/DIC/") + QLatin1String(name);
@@ -109,7 +121,8 @@ void save_picture(const char* name, QSize size, const QList<QColor>& frames)
     for (int frame = 0; frame < frames.size(); ++frame)
         painter.fillRect(frame * width, 0, width, size.height(), frames.at(frame));
     painter.end();
-    QVERIFY(image.save(path));
+    QVERIFY(image.convertToFormat(format).save(path));
+    QCOMPARE(QImage(path).format(), format);
 }
 
 } // namespace
@@ -340,7 +353,43 @@ private slots:
         QCOMPARE(palette.color(QPalette::Active, QPalette::Highlight), QColor(16, 126, 215));
         QCOMPARE(palette.color(QPalette::Active, QPalette::HighlightedText), QColor(255, 255, 255));
         QCOMPARE(palette.color(QPalette::Active, QPalette::Base), QColor(255, 255, 255));
-        QVERIFY(!dialog.m_InstructionLabel->hasScaledContents());
+    }
+
+    void the_instruction_does_not_stretch_its_contents()
+    {
+        DicDialog dialog;
+        QPixmap small(10, 10);
+        small.fill(Qt::red);
+        dialog.m_InstructionLabel->setPixmap(small);
+        dialog.show();
+        const QImage label = dialog.m_InstructionLabel->grab().toImage();
+        QCOMPARE(label.pixelColor(label.rect().center()), QColor(Qt::red));
+        QVERIFY(label.pixelColor(2, label.height() / 2) != QColor(Qt::red));
+    }
+
+    void a_subtitle_of_two_lines_stands_in_the_middle_of_the_box()
+    {
+        DicDialog dialog;
+        dialog.m_SubtitleEdit->setText(QStringLiteral("HHHH\nHHHH"));
+        dialog.show();
+        // Without the ring of the focus there is nothing but the text.
+        dialog.m_SearchButton->setFocus();
+        const QImage box = dialog.m_SubtitleEdit->grab().toImage();
+        QRect ink;
+        for (int y = 0; y < box.height(); ++y) {
+            for (int x = 0; x < box.width(); ++x) {
+                if (box.pixelColor(x, y).lightness() < 200)
+                    ink |= QRect(x, y, 1, 1);
+            }
+        }
+        QVERIFY(ink.height() > 16);
+        const int above = ink.top();
+        const int below = box.height() - 1 - ink.bottom();
+        const int left = ink.left();
+        const int right = box.width() - 1 - ink.right();
+        // A line has a little more room above its capitals than below them.
+        QVERIFY2(std::abs(above - below) <= 6, qPrintable(QStringLiteral("%1 and %2").arg(above).arg(below)));
+        QVERIFY2(std::abs(left - right) <= 2, qPrintable(QStringLiteral("%1 and %2").arg(left).arg(right)));
     }
 
     void a_marked_word_stays_visible_while_the_search_button_has_the_focus()
@@ -400,13 +449,18 @@ private slots:
         save_picture("search_bt.png", QSize(260, 23), {Qt::red, Qt::green, Qt::blue, Qt::gray});
         DicDialog dialog;
         dialog.show();
+        QVERIFY(ink_on_red(dialog.m_SearchButton->grab().toImage()) > 20);
+    }
+
+    void a_picture_with_a_palette_bears_the_word_too()
+    {
+        save_picture("search_bt.png", QSize(260, 23), {Qt::red, Qt::green, Qt::blue, Qt::gray},
+                     QImage::Format_Indexed8);
+        DicDialog dialog;
+        dialog.show();
         const QImage button = dialog.m_SearchButton->grab().toImage();
-        int ink = 0;
-        for (int y = 0; y < button.height(); ++y) {
-            for (int x = 0; x < button.width(); ++x)
-                ink += button.pixelColor(x, y).green() > 128 ? 1 : 0;
-        }
-        QVERIFY(ink > 20);
+        QCOMPARE(button.pixelColor(1, 1), QColor(Qt::red));
+        QVERIFY(ink_on_red(button) > 20);
     }
 
     void without_the_skins_pictures_everything_can_still_be_seen()
