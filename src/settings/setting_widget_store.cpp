@@ -62,7 +62,7 @@ bool SettingWidget::save_settings()
         file->setGroup(QString::fromLatin1(row.group));
         file->writeEntry(QString::fromLatin1(row.key), stored_value(row));
     }
-    if (!file->write()) {
+    if (!file->rewrite()) {
         std::puts("Tavel Video: save file create failed!!");
         return false;
     }

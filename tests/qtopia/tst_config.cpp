@@ -62,6 +62,7 @@ private slots:
     void two_objects_one_after_the_other_both_survive();
     void an_object_that_was_open_all_the_time_keeps_what_another_wrote();
     void nothing_is_written_when_nothing_changed();
+    void a_file_is_written_anew_on_request_though_nothing_changed();
     void a_removed_key_is_gone();
     void user_files_live_below_the_configuration_home();
     void missing_directories_are_made();
@@ -345,6 +346,29 @@ void TestConfig::nothing_is_written_when_nothing_changed()
         const Config config(never_made, Config::File);
     }
     QVERIFY(!QFile::exists(never_made));
+}
+
+void TestConfig::a_file_is_written_anew_on_request_though_nothing_changed()
+{
+    const QString path = fresh_path();
+    const QByteArray before = "[video]\nred = 50\n";
+    write_content(path, before);
+    const auto file_number = [&] {
+        struct stat status = {};
+        return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_ino : 0;
+    };
+    const auto first = file_number();
+    {
+        Config config(path, Config::File);
+        config.setGroup(QStringLiteral("video"));
+        config.writeEntry(QStringLiteral("red"), 50);
+        QVERIFY(config.write());
+        QCOMPARE(file_number(), first);
+        QVERIFY(config.rewrite());
+    }
+    // A new file in the old one's place.
+    QVERIFY(file_number() != first);
+    QCOMPARE(content(path), before);
 }
 
 void TestConfig::a_removed_key_is_gone()

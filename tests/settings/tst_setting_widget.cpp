@@ -107,20 +107,26 @@ private slots:
 
     // Closing
 
-    void closing_without_a_change_sends_closed_and_display_and_writes_the_file()
+    void closing_without_a_change_sends_closed_and_display_and_writes_the_file_anew()
     {
         const auto settings = make_settings();
         QVERIFY(settings->save_settings());
+        QFile file(Config::user_path(file_name));
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        const QByteArray content = file.readAll();
+        const QDateTime long_ago(QDate(2001, 2, 3), QTime(4, 5));
+        QVERIFY(file.setFileTime(long_ago, QFileDevice::FileModificationTime));
+        file.close();
         settings->show();
-        QFile::remove(Config::user_path(file_name));
-        QVERIFY(settings->save_settings());
         const Listener listener(*settings);
         QTest::ignoreMessage(QtWarningMsg, "Close signal sent\n");
         QTest::ignoreMessage(QtWarningMsg, "Tavel Video: saving settings\n");
         QVERIFY(settings->close());
         QCOMPARE(listener.news, QStringList({"2006", "2204"}));
         QVERIFY(!settings->isVisible());
-        QVERIFY(QFile::exists(Config::user_path(file_name)));
+        QVERIFY(QFileInfo(Config::user_path(file_name)).lastModified() > long_ago);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), content);
     }
 
     void without_a_file_the_first_close_reports_everything()

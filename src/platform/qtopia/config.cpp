@@ -158,8 +158,16 @@ void Config::removeEntry(const QString& key)
 
 bool Config::write()
 {
-    if (changes_.empty())
-        return true;
+    return changes_.empty() || write(Occasion::Change);
+}
+
+bool Config::rewrite()
+{
+    return write(Occasion::Always);
+}
+
+bool Config::write(Occasion occasion)
+{
     // Applies our changes to what is in the file now, which another object may have written meanwhile.
     const auto apply = [this](ConfigDocument& document) {
         bool changed = false;
@@ -172,7 +180,7 @@ bool Config::write()
     QByteArray content;
     QString fault;
     file.read(content, fault);
-    if (ConfigDocument current = ConfigDocument::parse(content); apply(current)) {
+    if (ConfigDocument current = ConfigDocument::parse(content); apply(current) || occasion == Occasion::Always) {
         fault = file.update([&](const QByteArray& newest) {
             ConfigDocument document = ConfigDocument::parse(newest);
             apply(document);

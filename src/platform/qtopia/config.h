@@ -63,8 +63,12 @@ public:
     /// @return false when the file could not be written; what changed is then kept, and the destructor does not try
     /// again.
     bool write();
+    /// The same, but the file is written anew even when nothing in it changes.
+    bool rewrite();
 
 private:
+    enum class Occasion { Change, Always };
+    bool write(Occasion occasion);
     void set_raw(const QString& key, const QString& raw);
 
     // A new encoded value; a null string removes the key.
