@@ -2,6 +2,7 @@
 
 #include "audio_device.h"
 #include "config.h"
+#include "control_skin.h"
 #include "custom_event.h"
 #include "device_screen.h"
 #include "global.h"
@@ -254,6 +255,8 @@ void TavelVideo::answer_if_nothing_plays()
 void TavelVideo::send_volume(int volume)
 {
     volume_ = volume;
+    // A muted bar sends 0, which is not what the next start is to have.
+    settings_->set_volume(static_cast<int>(control_bar_->get_volume()));
     if (isIn(&TavelVideo::file_loaded_state))
         apply_volume();
 }

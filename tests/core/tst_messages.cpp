@@ -780,6 +780,26 @@ private slots:
         QVERIFY(player->log().contains(QStringLiteral("set_application_volume 33")));
     }
 
+    void the_settings_know_the_volume_at_any_time()
+    {
+        const auto stored = [] {
+            Config file(QStringLiteral("tavel_video_setting.cfg"), Config::User);
+            file.setGroup(QStringLiteral("audio"));
+            return file.readNumEntry(QStringLiteral("volume"));
+        };
+        player->control_bar()->set_volume(33);
+        QCOMPARE(player->settings()->get_volume(), 33);
+        player->settings()->close();
+        QCOMPARE(stored(), 33);
+        // Silence is not kept.
+        player->control_bar()->set_mute(true);
+        QCOMPARE(player->settings()->get_volume(), 33);
+        player->control_bar()->set_volume(12);
+        player->control_bar()->set_mute(false);
+        player->settings()->close();
+        QCOMPARE(stored(), 12);
+    }
+
     void the_screen_applet_hears_of_the_film()
     {
         player->clear_log();
