@@ -1,6 +1,7 @@
 #include "background_task.h"
 #include "colour_balance.h"
 #include "digital_output.h"
+#include "engine_core.h"
 #include "films.h"
 #include "media_names.h"
 #include "media_probe.h"
@@ -8,6 +9,7 @@
 #include "sound_volume.h"
 #include "subtitle.h"
 #include "test_main.h"
+#include "video_plane.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -54,6 +56,24 @@ private slots:
         picture.fill(qRgb(100, 100, 100));
         balance.apply(picture);
         QCOMPARE(picture.pixel(0, 0), qRgb(0, 100, 200));
+    }
+
+    void a_frame_that_came_before_the_picture_was_let_through_is_shown_afterwards()
+    {
+        VideoPlane& plane = VideoPlane::instance();
+        plane.set_mapping({1.0, {}, true});
+        plane.clear();
+        const std::unique_ptr<EngineCore> core = EngineCore::create();
+        QVERIFY(core);
+        QVERIFY(core->command({"loadfile", QFile::encodeName(test_films::path("h264.mp4"))}));
+        const auto has_begun = [&] {
+            return mpv_wait_event(core->handle(), 0.1)->event_id == MPV_EVENT_PLAYBACK_RESTART;
+        };
+        QVERIFY(QTest::qWaitFor(has_begun, test_support::stretched(10000)));
+        QVERIFY(plane.newest_frame().isNull());
+        core->picture().show(true);
+        core->picture().show_missed();
+        QTRY_VERIFY(!plane.newest_frame().isNull());
     }
 
     void containers_have_their_usual_names_data()

@@ -8,6 +8,7 @@
 #include <pthread.h>
 
 #include <array>
+#include <utility>
 
 namespace
 {
@@ -54,6 +55,16 @@ void PictureOutput::show(bool on)
     m_shown = on;
 }
 
+void PictureOutput::show_missed()
+{
+    {
+        const std::lock_guard lock(m_plane_mutex);
+        if (!m_shown || !std::exchange(m_missed, false))
+            return;
+    }
+    redraw();
+}
+
 void PictureOutput::redraw()
 {
     {
@@ -97,6 +108,7 @@ void PictureOutput::run()
         const bool due = (mpv_render_context_update(m_context) & MPV_RENDER_UPDATE_FRAME) != 0;
         if (due || redraw) {
             const std::lock_guard plane_lock(m_plane_mutex);
+            m_missed = !m_shown && (due || m_missed);
             render(m_shown);
         }
         lock.lock();

@@ -28,6 +28,10 @@ public:
     /// Lets pictures through to the plane or not. No frame of before reaches the plane after show(false) has returned.
     void show(bool on);
 
+    /// Renders the newest frame again if it came while none was let through: a film that rests after its first frame
+    /// brings no other.
+    void show_missed();
+
     /// Renders the newest frame again: the plane has another size, or the colours have changed.
     void redraw();
 
@@ -47,8 +51,9 @@ private:
     bool m_redraw = false;
     bool m_ending = false;
 
-    std::mutex m_plane_mutex; ///< held while a frame is rendered; guards the two below
+    std::mutex m_plane_mutex; ///< held while a frame is rendered; guards the three below
     bool m_shown = false;
+    bool m_missed = false; ///< the newest frame was not let through
     ColourBalance m_colour;
 
     std::thread m_thread;

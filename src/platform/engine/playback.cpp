@@ -462,6 +462,8 @@ void Playback::on_command_reply(const mpv_event& event)
 
 void Playback::on_restart()
 {
+    // On a busy machine the first frame may come before the picture is let through.
+    m_core->picture().show_missed();
     if (m_phase == Phase::Loading) {
         // Whether there is a picture is known by its size; a film whose every frame is damaged has none.
         if (!m_core->ask_number("video-params/w", m_load_id))
