@@ -39,6 +39,12 @@ struct Bench {
                recorder.wait_for_reports(1, std::chrono::milliseconds(test_support::stretched(6000)));
     }
 
+    bool is_busy()
+    {
+        bool busy = false;
+        return player.query(static_cast<int>(Query::Busy), &busy) == rask::ok && busy;
+    }
+
     /// Waits until the film has moved @p film_time further than it is now.
     bool runs_on(Time film_time)
     {

@@ -1,4 +1,5 @@
 #include "bench.h"
+#include "library_faults.h"
 #include "sound_output.h"
 #include "test_main.h"
 
@@ -684,6 +685,33 @@ private slots:
         QCOMPARE(bench.player.play(), rask::ok);
         QVERIFY(bench.recorder.wait_for_reports(3, 20s));
         QCOMPARE(bench.recorder.reports(), QStringList({QStringLiteral("state 4")}) + ended);
+    }
+
+    void a_film_that_breaks_off_tells_an_error_and_nothing_more_data()
+    {
+        QTest::addColumn<int>("scan_rate");
+        QTest::newRow("while it plays") << 0;
+        QTest::newRow("while it is scanned") << 3;
+    }
+
+    void a_film_that_breaks_off_tells_an_error_and_nothing_more()
+    {
+        QFETCH(int, scan_rate);
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("h264.mp4")));
+        if (scan_rate > 0)
+            QCOMPARE(bench.player.scan_forward(scan_rate), rask::ok);
+        bench.recorder.clear();
+        library_faults::break_off();
+        QVERIFY(bench.recorder.wait_for_reports(1, 10s));
+        QCOMPARE(bench.recorder.reports(), QStringList({QStringLiteral("error 2")}));
+        bench.recorder.clear();
+        // By then the scan would have come to the end.
+        QVERIFY(!bench.recorder.wait_for_reports(1, 4s));
+        QCOMPARE(bench.recorder.position(), -1);
+        QCOMPARE(bench.player.play(), rask::wrong_state);
+        QVERIFY(!bench.is_busy());
+        QVERIFY(bench.start(test_films::path("h264.mp4")));
     }
 
     void each_of_many_sound_tracks_can_be_chosen()

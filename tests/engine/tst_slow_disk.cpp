@@ -83,16 +83,12 @@ private slots:
         Bench bench;
         QVERIFY(bench.start(m_film));
         QCOMPARE(bench.player.pause(), rask::ok);
-        const auto is_busy = [&bench] {
-            bool busy = false;
-            return bench.player.query(static_cast<int>(Query::Busy), &busy) == rask::ok && busy;
-        };
-        QVERIFY(!is_busy());
+        QVERIFY(!bench.is_busy());
         slow_disk::hold("slow_film");
         QCOMPARE(bench.player.seek(SeekMode::Forward, 40000), rask::ok);
-        QVERIFY(is_busy());
+        QVERIFY(bench.is_busy());
         slow_disk::release();
-        QTRY_VERIFY(!is_busy());
+        QTRY_VERIFY(!bench.is_busy());
     }
 
     void closing_during_a_blocked_read_returns_within_a_second()

@@ -1,4 +1,5 @@
 #include "bench.h"
+#include "library_faults.h"
 #include "sound_output.h"
 #include "sound_server.h"
 #include "test_main.h"
@@ -322,6 +323,26 @@ private slots:
         QVERIFY(bench.start(test_films::path("h264.mp4")));
         QVERIFY(bench.recorder.wait_for_reports(5, 20s));
         QCOMPARE(server.callers(), callers);
+    }
+
+    void a_film_that_no_library_plays_on_is_given_up()
+    {
+        const FalseServer server(FalseServer::Manner::NeverAnswers);
+        const SoundSystem system(server.address());
+        Bench bench;
+        QVERIFY(bench.start(test_films::path("minute.mp4")));
+        // Now the library waits for the sound, and does not answer.
+        QTRY_VERIFY(server.callers() > 0 && library_faults::owes_position());
+        const auto start_again = qScopeGuard([] { library_faults::refuse_to_start(false); });
+        library_faults::refuse_to_start(true);
+        bench.recorder.clear();
+        QCOMPARE(bench.player.seek(SeekMode::Forward, 40000), rask::ok);
+        QVERIFY(bench.recorder.wait_for_reports(1, 20s));
+        QCOMPARE(bench.recorder.reports(), QStringList({QStringLiteral("error 8")}));
+        QCOMPARE(bench.player.play(), rask::wrong_state);
+        QVERIFY(!bench.is_busy());
+        library_faults::refuse_to_start(false);
+        QVERIFY(bench.start(test_films::path("h264.mp4")));
     }
 
     void a_film_plays_on_when_the_sound_server_goes_away()

@@ -584,14 +584,14 @@ void Playback::on_end_file(const mpv_event_end_file& end)
     }
     if (!is_loaded() || end.reason == MPV_END_FILE_REASON_STOP)
         return;
+    if (end.reason != MPV_END_FILE_REASON_EOF) {
+        break_off(rask::not_a_film);
+        return;
+    }
     if (m_seek_stage != SeekStage::None)
         finish_seek(m_seek_target);
-    if (end.reason == MPV_END_FILE_REASON_EOF) {
-        if (m_phase != Phase::Ended)
-            reach_end();
-    } else {
-        report_error(rask::not_a_film);
-    }
+    if (m_phase != Phase::Ended)
+        reach_end();
     enter(Phase::Broken);
 }
 
@@ -653,9 +653,15 @@ void Playback::fail_load()
     if (m_phase == Phase::Loading) {
         finish_load(rask::engine_failed);
     } else {
-        report_error(rask::engine_failed);
-        enter(Phase::Broken);
+        break_off(rask::engine_failed);
     }
+}
+
+void Playback::break_off(RaskStatus status)
+{
+    forget_seek();
+    enter(Phase::Broken);
+    report_error(status);
 }
 
 RaskStatus Playback::do_stop()
@@ -663,6 +669,7 @@ RaskStatus Playback::do_stop()
     if (const std::shared_ptr<Answer> answer = std::exchange(m_load_answer, nullptr))
         answer->give(rask::wrong_state);
     const bool had_film = m_phase != Phase::Idle;
+    forget_seek();
     enter(Phase::Idle);
     m_film = {};
     m_entry = -1;
@@ -670,12 +677,6 @@ RaskStatus Playback::do_stop()
     m_position = 0;
     m_load_deadline.reset();
     m_start_deadline.reset();
-    m_seek_deadline.reset();
-    m_scan_tick.reset();
-    m_seek_stage = SeekStage::None;
-    update_busy();
-    m_seek_reports = 0;
-    m_seek_resumes = false;
     m_started = false;
     m_at_end = false;
     m_scan_reached_end = false;
@@ -738,7 +739,6 @@ RaskStatus Playback::do_seek(Time target)
     if (!is_loaded())
         return rask::wrong_state;
     if (m_phase == Phase::Scanning || m_phase == Phase::Ended) {
-        m_scan_tick.reset();
         m_scan_reached_end = false;
         m_seek_resumes = true;
         enter(Phase::Paused);
@@ -795,6 +795,8 @@ void Playback::enter(Phase phase)
 {
     m_phase = phase;
     m_steady_answers = 0;
+    if (phase != Phase::Scanning)
+        m_scan_tick.reset();
     if (phase != Phase::Playing)
         m_position_tick.reset();
     else if (!m_position_tick)
@@ -850,9 +852,16 @@ void Playback::finish_seek(Time position)
     }
 }
 
+void Playback::forget_seek()
+{
+    m_seek_stage = SeekStage::None;
+    m_seek_deadline.reset();
+    m_seek_reports = 0;
+    m_seek_resumes = false;
+}
+
 void Playback::reach_end()
 {
-    m_scan_tick.reset();
     enter(Phase::Ended);
     set_paused(true);
     report_stream(StreamState::Ended);
@@ -877,22 +886,20 @@ void Playback::scan_step()
         start_seek(m_position, false, false);
     }
     report_time(m_position);
-    if (!over)
-        return;
-    m_scan_tick.reset();
-    if (m_scan_forward) {
+    if (over && m_scan_forward) {
         m_scan_reached_end = true;
         reach_end();
+    } else if (over) {
+        m_scan_tick.reset();
     }
 }
 
 void Playback::leave_scan()
 {
     // At the beginning the tick is gone, but the clock has run on.
-    const Time position = m_scan_tick ? scan_position() : m_position;
-    m_scan_tick.reset();
-    m_position = position;
-    start_seek(position, true, false);
+    if (m_scan_tick)
+        m_position = scan_position();
+    start_seek(m_position, true, false);
 }
 
 void Playback::report_state(PlayerState state)

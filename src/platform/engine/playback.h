@@ -136,6 +136,7 @@ private:
     void send_load(Time start = 0);
     void finish_load(RaskStatus status);
     void fail_load();
+    void break_off(RaskStatus status);
     RaskStatus do_stop();
     RaskStatus do_play();
     RaskStatus do_pause();
@@ -149,6 +150,8 @@ private:
     void set_paused(bool paused);
     void start_seek(Time target, bool exact, bool reported);
     void finish_seek(Time position);
+    /// Neither reports nor resumes. enter() has to follow.
+    void forget_seek();
     void reach_end();
     void scan_step();
     void leave_scan();
