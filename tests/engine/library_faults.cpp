@@ -6,12 +6,14 @@
 
 #include <atomic>
 #include <cstring>
+#include <thread>
 
 namespace
 {
 
 std::atomic<bool> refuses_to_start = false;
 std::atomic<bool> breaks_off = false;
+std::atomic<std::chrono::milliseconds> filter_delay = {};
 std::atomic<int> positions_owed = 0; ///< by the newest copy
 
 bool is_position(const char* property)
@@ -64,6 +66,13 @@ mpv_event* mpv_wait_event(mpv_handle* library, double timeout)
     return event;
 }
 
+extern "C" int avfilter_graph_config(void* graph, void* log)
+{
+    static auto* const next = original<decltype(avfilter_graph_config)>("avfilter_graph_config");
+    std::this_thread::sleep_for(filter_delay.exchange({}));
+    return next(graph, log);
+}
+
 namespace library_faults
 {
 
@@ -75,6 +84,11 @@ void refuse_to_start(bool refuse)
 void break_off()
 {
     breaks_off = true;
+}
+
+void delay_filter(std::chrono::milliseconds delay)
+{
+    filter_delay = delay;
 }
 
 bool owes_position()

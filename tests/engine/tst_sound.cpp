@@ -325,6 +325,19 @@ private slots:
         QCOMPARE(server.callers(), callers);
     }
 
+    void a_film_that_is_held_up_by_something_else_is_heard()
+    {
+        NEEDS_SOUND_SERVER();
+        SoundServer server;
+        QVERIFY(server.start());
+        const SoundSystem system(server.address());
+        Bench bench;
+        // Longer than a sound server may hold a film up.
+        library_faults::delay_filter(3s);
+        QVERIFY(bench.start(test_films::path("rotated.mp4")));
+        QTRY_VERIFY_WITH_TIMEOUT(server.loudness() > audible, 20000);
+    }
+
     void a_film_that_no_library_plays_on_is_given_up()
     {
         const FalseServer server(FalseServer::Manner::NeverAnswers);

@@ -373,9 +373,12 @@ void Playback::replace_core()
 
 void Playback::go_on_without_sound()
 {
-    const bool to_blame = m_core && m_core->uses_sound();
+    if (!m_core || !m_core->uses_sound()) {
+        m_sound.answered(); // something else holds the library up
+        return;
+    }
     m_sound.give_up(Clock::now());
-    if (to_blame && (is_loaded() || m_phase == Phase::Loading))
+    if (is_loaded() || m_phase == Phase::Loading)
         replace_core();
 }
 
