@@ -56,7 +56,7 @@ std::vector<Subtitle> in_order(std::vector<TimedText> lines, const std::atomic<b
         else
             joined.push_back(std::move(line));
     }
-    lines = {};
+    lines = std::vector<TimedText>(); // {} would keep the memory
 
     std::vector<Subtitle> result;
     result.reserve(joined.size());
