@@ -318,7 +318,7 @@ void Playback::check_deadlines()
         finish_load(rask::timed_out);
     } else if (passed(m_start_deadline)) {
         replace_core();
-    } else if (m_sound.is_held_up(now, processor_time())) {
+    } else if (passed(m_sound.deadline()) && m_sound.is_held_up(now, processor_time())) {
         go_on_without_sound();
     }
     if (passed(m_seek_deadline))
