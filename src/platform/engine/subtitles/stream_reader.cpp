@@ -258,7 +258,8 @@ std::vector<TimedText> read_rare_text(const QString& source, const std::atomic<b
 {
     constexpr int buffer_size = 4096;
     Memory memory{source.toUtf8(), 0};
-    if (!rare_format(memory.bytes))
+    const AVInputFormat* const format_of_text = rare_format(memory.bytes);
+    if (!format_of_text)
         return {};
     auto* const buffer = static_cast<unsigned char*>(av_malloc(buffer_size));
     AVIOContext* const opening_bytes =
@@ -272,7 +273,7 @@ std::vector<TimedText> read_rare_text(const QString& source, const std::atomic<b
     if (!opening)
         return {};
     opening->pb = bytes.get();
-    if (avformat_open_input(&opening, nullptr, rare_format(memory.bytes), nullptr) < 0)
+    if (avformat_open_input(&opening, nullptr, format_of_text, nullptr) < 0)
         return {};
     const Format format(opening);
     std::map<int, Stream> streams = text_streams(*format);

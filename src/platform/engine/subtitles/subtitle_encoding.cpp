@@ -209,7 +209,6 @@ Reading read_utf8(QByteArrayView bytes, QString* text, const std::atomic<bool>& 
             at += damaged_length(bytes, at);
             continue;
         }
-        accents.see_accented(lead);
         ++reading.beyond_ascii;
         reading.only_latin = reading.only_latin && lead >= 0xC2 && lead <= 0xC8;
         if (text) {
@@ -218,6 +217,8 @@ Reading read_utf8(QByteArrayView bytes, QString* text, const std::atomic<bool>& 
                 character = (character << 6) | (byte_at(bytes, at + index) & 0x3F);
             for (const char16_t unit : QChar::fromUcs4(character))
                 text->append(QChar(unit));
+        } else {
+            accents.see_accented(lead);
         }
         at += length;
     }

@@ -106,8 +106,9 @@ std::vector<SubtitleTrack> read_subtitle_file(const QString& file, double frame_
     bytes.reserve(static_cast<qsizetype>(source.size()));
     constexpr qint64 block = 1024 * 1024;
     for (QByteArray read = source.read(block); !read.isEmpty() && !cancelled; read = source.read(block)) {
+        const bool is_beginning = bytes.isEmpty();
         bytes += read;
-        if (!is_text(bytes))
+        if (is_beginning && !is_text(bytes))
             return {};
     }
     QString text = decode_guessed(bytes, cancelled);
