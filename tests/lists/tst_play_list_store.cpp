@@ -848,10 +848,12 @@ void TestPlayListStore::a_directory_that_cannot_be_made_is_said_in_one_line()
     QFile in_the_way(parent);
     QVERIFY(in_the_way.open(QIODevice::WriteOnly));
     in_the_way.close();
+    shell_->commands.clear();
     const lists_fixture::Warnings warnings(QStringLiteral("playlist.dat"));
     lists_fixture::StandardOutput output;
     make_panel();
     QCOMPARE(output.text(), QByteArray("tavel_video: directory is not correct! Remake it\nCan't make directory! : \n"));
+    QCOMPARE(shell_->commands, (QByteArrayList{"rm -rf " + lists_fixture::data_directory().toUtf8() + "*", "sync"}));
     add({"/a.avi"});
     QCOMPARE(panel_->get_count(), 1);
     window_.reset();
