@@ -13,7 +13,6 @@
 #include "time_widget.h"
 #include "title_skin.h"
 
-#include <algorithm>
 #include <limits>
 
 namespace
@@ -160,10 +159,8 @@ void TavelVideo::update_subtitles()
     subtitles_on_ = settings_->get_subtitle_on();
     const auto location = static_cast<SubtitleLocation>(settings_->get_subtitle_location());
     subtitle_->set_location(location);
-    const auto row = std::find_if(SUBTITLE_PLACEMENTS.begin(), SUBTITLE_PLACEMENTS.end(),
-                                  [&](const SubtitlePlacement& each) { return each.location == location; });
-    if (row != SUBTITLE_PLACEMENTS.end())
-        subtitle_->set_align(row->alignment);
+    if (const SubtitlePlacement* placement = subtitle_placement(location))
+        subtitle_->set_align(placement->alignment);
     subtitle_->set_text_color(settings_->get_subtitle_color(), true);
     subtitle_->set_offset(settings_->get_time_adjust());
     if (subtitle_->isVisible())

@@ -247,9 +247,10 @@ void SettingWidget::update_subtitles(int)
 {
     preview_->setFont(
         device_font(QStringLiteral("v28"), preview_points.at(static_cast<std::size_t>(get_subtitle_size())), 50));
-    const SubtitlePlacement& placement = SUBTITLE_PLACEMENTS.at(static_cast<std::size_t>(get_subtitle_location()));
-    preview_->set_location(placement.location);
-    preview_->set_align(placement.alignment);
+    const auto location = static_cast<SubtitleLocation>(get_subtitle_location());
+    preview_->set_location(location);
+    if (const SubtitlePlacement* placement = subtitle_placement(location))
+        preview_->set_align(placement->alignment);
     preview_->set_text_color(get_subtitle_color(), true);
     preview_->set_offset(get_time_adjust());
     if (get_subtitle_on()) {

@@ -84,10 +84,9 @@ void SubtitleControl::set_offset(int offset_ms)
 
 void SubtitleControl::set_location(SubtitleLocation location)
 {
-    const auto* placement = std::find_if(SUBTITLE_PLACEMENTS.begin(), SUBTITLE_PLACEMENTS.end(),
-                                         [&](const SubtitlePlacement& row) { return row.location == location; });
-    if (placement == SUBTITLE_PLACEMENTS.end())
-        placement = &SUBTITLE_PLACEMENTS.back();
+    const SubtitlePlacement* placement = subtitle_placement(location);
+    if (!placement)
+        placement = subtitle_placement(SubtitleLocation::Low);
     leading_pad_ = QString::fromLatin1(placement->leading_pad);
     trailing_pad_ = QString::fromLatin1(placement->trailing_pad);
 }

@@ -24,3 +24,13 @@ inline constexpr std::array<SubtitlePlacement, 3> SUBTITLE_PLACEMENTS{{
     {SubtitleLocation::Middle, "\n\n", "", Qt::TextWordWrap | Qt::AlignCenter},
     {SubtitleLocation::Low, "", "", Qt::TextWordWrap | Qt::AlignHCenter | Qt::AlignBottom},
 }};
+
+/// How a line is set at @p location; null for an unknown value.
+constexpr const SubtitlePlacement* subtitle_placement(SubtitleLocation location)
+{
+    for (const SubtitlePlacement& placement : SUBTITLE_PLACEMENTS) {
+        if (placement.location == location)
+            return &placement;
+    }
+    return nullptr;
+}

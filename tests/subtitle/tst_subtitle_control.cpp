@@ -386,11 +386,14 @@ private slots:
     void alignment_of_each_location_stands_in_the_table()
     {
         QCOMPARE(SUBTITLE_PLACEMENTS.size(), 3U);
-        QCOMPARE(SUBTITLE_PLACEMENTS[0].alignment, middle);
-        QCOMPARE(SUBTITLE_PLACEMENTS[1].alignment, middle);
-        QCOMPARE(SUBTITLE_PLACEMENTS[2].alignment, bottom);
-        for (std::size_t row = 0; row < SUBTITLE_PLACEMENTS.size(); ++row)
-            QCOMPARE(static_cast<std::size_t>(SUBTITLE_PLACEMENTS[row].location), row);
+        const std::array<int, 3> alignments{middle, middle, bottom};
+        for (std::size_t value = 0; value < alignments.size(); ++value) {
+            const SubtitlePlacement* placement = subtitle_placement(static_cast<SubtitleLocation>(value));
+            QCOMPARE(placement, &SUBTITLE_PLACEMENTS[value]);
+            QCOMPARE(placement->alignment, alignments[value]);
+        }
+        QVERIFY(!subtitle_placement(static_cast<SubtitleLocation>(3)));
+        QVERIFY(!subtitle_placement(static_cast<SubtitleLocation>(-1)));
     }
 
     void high_stands_above_middle_and_low_on_the_bottom_edge()
