@@ -6,6 +6,7 @@
 #include "test_main.h"
 
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QLineEdit>
 
 /// Texts over the film, where the subtitle stands, the list panels and the buttons.
 class FeedbackTest : public QObject
@@ -233,6 +234,38 @@ private slots:
         QVERIFY(off.convertToFormat(QImage::Format_ARGB32).pixelColor(240, 160).alpha() <= 1);
         player->subtitle()->clear();
         QCOMPARE(player->subtitle()->background_pixmap().toImage(), off);
+    }
+
+    void a_shift_in_time_moves_the_film_s_own_subtitle()
+    {
+        scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("subtitle_streams"), QStringLiteral("1"));
+        scripted_engine::set_subtitles(0, {{1000, 3000, "one"}});
+        player->play_a_film();
+        player->settings()->findChild<QLineEdit*>(QStringLiteral("subtitle_edit_sync"))->setText("+0.5seconds");
+        player->post(player_event::reload_subtitles);
+        player->settle();
+        scripted_engine::run_to(499);
+        player->settle();
+        QCOMPARE(player->subtitle()->get_last_subtitle(), QString());
+        scripted_engine::run_to(500);
+        player->settle();
+        QCOMPARE(player->subtitle()->get_last_subtitle(), QStringLiteral("one"));
+    }
+
+    void a_film_that_leaves_the_playlist_takes_its_line_along()
+    {
+        scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("subtitle_streams"), QStringLiteral("1"));
+        scripted_engine::set_subtitles(0, {{1000, 3000, "one"}});
+        player->play_a_film();
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        const QImage blank = player->subtitle()->background_pixmap().toImage();
+        scripted_engine::run_to(2000);
+        player->settle();
+        QVERIFY(player->subtitle()->background_pixmap().toImage() != blank);
+        player->playlist()->remove_track();
+        QTRY_VERIFY(player->in(&TavelVideo::no_file_state));
+        QCOMPARE(player->subtitle()->background_pixmap().toImage(), blank);
     }
 
     void another_track_is_taken_from_the_engine()
