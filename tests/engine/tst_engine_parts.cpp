@@ -5,6 +5,7 @@
 #include "films.h"
 #include "media_names.h"
 #include "media_probe.h"
+#include "picture_size.h"
 #include "sound_output.h"
 #include "sound_volume.h"
 #include "subtitle.h"
@@ -16,6 +17,8 @@ extern "C" {
 }
 
 using namespace std::chrono_literals;
+
+Q_DECLARE_METATYPE(picture_size::Scaling)
 
 /// The small parts that the real engine is made of.
 class TstEngineParts : public QObject
@@ -74,6 +77,80 @@ private slots:
         core->picture().show(true);
         core->picture().show_missed();
         QTRY_VERIFY(!plane.newest_frame().isNull());
+    }
+
+    void large_frames_are_decoded_by_more_threads()
+    {
+        for (const int height : {1, 272, 480})
+            QCOMPARE(picture_size::decoder_threads(height), 1);
+        for (const int height : {481, 576, 720})
+            QCOMPARE(picture_size::decoder_threads(height), 2);
+        QVERIFY(picture_size::decoder_threads(721) >= 2);
+        QVERIFY(picture_size::decoder_threads(4320) <= 16);
+    }
+
+    void a_frame_is_compared_with_what_is_seen_of_it_data()
+    {
+        using picture_size::Scaling;
+        QTest::addColumn<QSize>("frame");
+        QTest::addColumn<double>("pixel_aspect");
+        QTest::addColumn<QSize>("place");
+        QTest::addColumn<bool>("keeps_shape");
+        QTest::addColumn<Scaling>("scaling");
+        QTest::newRow("as large as its place") << QSize(480, 272) << 1.0 << QSize(480, 272) << true << Scaling::None;
+        QTest::newRow("as large between bars") << QSize(640, 360) << 1.0 << QSize(640, 480) << true << Scaling::None;
+        QTest::newRow("stretched over the bars")
+            << QSize(640, 360) << 1.0 << QSize(640, 480) << false << Scaling::Larger;
+        QTest::newRow("wide pixels") << QSize(480, 272) << 1.5 << QSize(480, 272) << true << Scaling::Smaller;
+        QTest::newRow("wide pixels that fill") << QSize(480, 272) << 1.5 << QSize(480, 272) << false << Scaling::None;
+        QTest::newRow("wide pixels with room")
+            << QSize(720, 576) << 1.4222 << QSize(1024, 576) << true << Scaling::Larger;
+        QTest::newRow("large") << QSize(1920, 1080) << 1.0 << QSize(480, 272) << true << Scaling::Smaller;
+        QTest::newRow("settings' preview") << QSize(480, 272) << 1.0 << QSize(221, 126) << true << Scaling::Smaller;
+        QTest::newRow("small") << QSize(320, 180) << 1.0 << QSize(480, 272) << true << Scaling::Larger;
+        QTest::newRow("nothing known") << QSize(0, 0) << 1.0 << QSize(480, 272) << true << Scaling::None;
+        QTest::newRow("no place") << QSize(480, 272) << 1.0 << QSize(0, 0) << true << Scaling::None;
+        QTest::newRow("nonsense") << QSize(480, 272) << std::nan("") << QSize(480, 272) << true << Scaling::None;
+    }
+    void a_frame_is_compared_with_what_is_seen_of_it()
+    {
+        QFETCH(QSize, frame);
+        QFETCH(double, pixel_aspect);
+        QFETCH(QSize, place);
+        QFETCH(bool, keeps_shape);
+        QTEST(picture_size::scaling_of(frame, pixel_aspect, place, keeps_shape), "scaling");
+    }
+
+    void each_scaling_has_its_scaler_data()
+    {
+        using picture_size::Scaling;
+        QTest::addColumn<Scaling>("scaling");
+        QTest::addColumn<QString>("allows_zimg");
+        QTest::addColumn<QString>("filter");
+        QTest::newRow("larger") << Scaling::Larger << "yes"
+                                << "bicubic";
+        QTest::newRow("smaller") << Scaling::Smaller << "yes"
+                                 << "bilinear";
+        QTest::newRow("none") << Scaling::None << "no"
+                              << "bilinear";
+    }
+    void each_scaling_has_its_scaler()
+    {
+        QFETCH(picture_size::Scaling, scaling);
+        QFETCH(QString, allows_zimg);
+        QFETCH(QString, filter);
+        const std::unique_ptr<EngineCore> core = EngineCore::create();
+        QVERIFY(core);
+        core->use_scaler(scaling == picture_size::Scaling::None ? picture_size::Scaling::Larger
+                                                                : picture_size::Scaling::None);
+        core->use_scaler(scaling);
+        const auto value = [&](const char* property) {
+            const std::unique_ptr<char, void (*)(void*)> text(mpv_get_property_string(core->handle(), property),
+                                                              mpv_free);
+            return QString::fromUtf8(text.get());
+        };
+        QTRY_COMPARE(value("zimg-scaler"), filter);
+        QTRY_COMPARE(value("sws-allow-zimg"), allows_zimg);
     }
 
     void containers_have_their_usual_names_data()

@@ -455,6 +455,47 @@ private slots:
         QTRY_VERIFY(lightness(bench.picture(), bar) < 3);
     }
 
+    // Each size of the picture has a scaler of its own.
+    void colours_are_the_same_at_each_size_of_the_picture()
+    {
+        Bench bench;
+        QVERIFY(bench.load(test_films::path("patches.mkv")));
+        const auto green_at = [](qreal factor) {
+            VideoPlane::instance().set_mapping({factor, {}, true});
+            const QSize size = VideoPlane::instance().pixel_size();
+            if (!QTest::qWaitFor([&] { return Bench::picture().size() == size; }, test_support::stretched(5000)))
+                return QColor();
+            return Bench::picture().pixelColor(size.width() / 2, size.height() * 3 / 4);
+        };
+        QCOMPARE(bench.player.set_video_window(0, 0, 640, 480), rask::ok);
+        const QColor green = green_at(1.0);
+        QVERIFY2(green.red() < 5 && std::abs(green.green() - 128) < 5 && green.blue() < 5, qPrintable(green.name()));
+        for (const qreal factor : {0.5, 2.0}) {
+            const QColor scaled = green_at(factor);
+            QVERIFY2(scaled.isValid() && std::abs(scaled.red() - green.red()) < 5 &&
+                         std::abs(scaled.green() - green.green()) < 5 && std::abs(scaled.blue() - green.blue()) < 5,
+                     qPrintable(scaled.name()));
+        }
+    }
+
+    void an_enlarged_edge_is_crisp()
+    {
+        Bench bench;
+        QCOMPARE(bench.player.set_video_window(0, 0, 640, 480), rask::ok);
+        VideoPlane::instance().set_mapping({2.0, {}, true});
+        QVERIFY(bench.load(test_films::path("patches.mkv")));
+        QTRY_COMPARE(bench.picture().size(), QSize(1280, 960));
+        const auto darkest_beside_the_edge = [] {
+            const QImage picture = Bench::picture();
+            int darkest = 255;
+            for (int x = 600; x < 640; ++x)
+                darkest = std::min(darkest, qGray(picture.pixel(x, 200)));
+            return darkest;
+        };
+        // A sharp filter goes a little too far on the dark side of an edge, a soft one never does.
+        QTRY_VERIFY(darkest_beside_the_edge() < 98);
+    }
+
     void a_film_with_a_palette_shows_its_colours()
     {
         Bench bench;

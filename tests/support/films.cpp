@@ -25,7 +25,7 @@ constexpr const char* from_source = "-i SOURCE";
 constexpr const char* x264 = "-c:v libx264 -preset ultrafast -g 25 -bf 2 -pix_fmt yuv420p";
 
 // clang-format off
-constexpr std::array<Recipe, 31> recipes = {{
+constexpr std::array<Recipe, 32> recipes = {{
     {"h264.mp4",         from_source, "X264 -c:a aac -ac 2"},
     {"h264.mkv",         from_source, "X264 -c:a aac -ac 2"},
     {"h264.ts",          from_source, "X264 -c:a aac -ac 2 -f mpegts"},
@@ -57,6 +57,9 @@ constexpr std::array<Recipe, 31> recipes = {{
     {"unknown_length.mkv", from_source, "X264 -c:a aac -live 1"},
     {"long_sound.mkv",   "-t 2 -i SOURCE -t 3 -i SOURCE", "-map 0:v -map 1:a X264 -c:a aac"},
     {"palette.mkv",      "-f lavfi -i color=red:size=480x272:rate=25:duration=2", "-c:v png -pix_fmt pal8"},
+    {"patches.mkv",      "-f lavfi -i color=0x646464:size=640x480:rate=25:duration=2",
+                         "-vf drawbox=x=320:y=0:w=320:h=240:color=0x9c9c9c:t=fill,drawbox=x=0:y=240:w=640:h=240:color=0x008000:t=fill "
+                         "-c:v ffv1 -pix_fmt yuv420p"},
     {"minute.mp4",       "-stream_loop 9 -i SOURCE", "X264 -c:a aac"},
 }};
 // clang-format on

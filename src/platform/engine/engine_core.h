@@ -1,6 +1,7 @@
 #pragma once
 
 #include "picture_output.h"
+#include "picture_size.h"
 
 #include <mpv/client.h>
 
@@ -35,6 +36,8 @@ public:
     /// Whether films are heard. One that is loaded goes on, with sound that comes or goes. Off in the beginning.
     void use_sound(bool on);
     bool uses_sound() const { return m_uses_sound; }
+    /// From the next frame on. Chosen for no scaling in the beginning.
+    void use_scaler(picture_size::Scaling scaling);
     /// Asks for a value that comes back in an event with @p id.
     bool ask_number(const char* property, std::uint64_t id);
     bool ask_flag(const char* property, std::uint64_t id);
@@ -46,4 +49,5 @@ private:
     mpv_handle* m_handle = nullptr;
     std::optional<PictureOutput> m_picture;
     bool m_uses_sound = false;
+    picture_size::Scaling m_scaling = picture_size::Scaling::None;
 };

@@ -71,6 +71,13 @@ int rotation_of(const AVStream& stream)
     return ((static_cast<int>(std::lround(degrees / 90.0)) % 4 + 4) % 4) * 90;
 }
 
+/// 1 when the film tells none, or nonsense.
+double pixel_aspect_of(AVFormatContext* format, unsigned stream)
+{
+    const AVRational aspect = av_guess_sample_aspect_ratio(format, format->streams[stream], nullptr);
+    return aspect.num > 0 && aspect.den > 0 ? av_q2d(aspect) : 1.0;
+}
+
 bool is_compressed_sound(AVCodecID codec)
 {
     return codec == AV_CODEC_ID_AC3 || codec == AV_CODEC_ID_DTS || codec == AV_CODEC_ID_EAC3;
@@ -127,6 +134,7 @@ MediaFile MediaFile::look(const QByteArray& path, const std::atomic<bool>& cance
             auto& video = file.infos[QStringLiteral("video")];
             file.width = parameters.width;
             file.height = parameters.height;
+            file.pixel_aspect = pixel_aspect_of(format.get(), index);
             file.rotation = rotation_of(stream);
             file.has_palette = parameters.format == AV_PIX_FMT_PAL8;
             video = {{QStringLiteral("name"), codec_name(parameters)},

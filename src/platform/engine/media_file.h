@@ -22,9 +22,10 @@ struct MediaFile {
     bool seekable = false;
     int width = 0;
     int height = 0;
-    int rotation = 0;         ///< how far the picture is to be turned clockwise: 0, 90, 180 or 270 degrees
-    bool has_palette = false; ///< the picture's pixels are numbers of colours
-    bool lacks_index = false; ///< the format: where a time lies is found by trying
+    double pixel_aspect = 1.0; ///< how much wider than high a pixel is
+    int rotation = 0;          ///< how far the picture is to be turned clockwise: 0, 90, 180 or 270 degrees
+    bool has_palette = false;  ///< the picture's pixels are numbers of colours
+    bool lacks_index = false;  ///< the format: where a time lies is found by trying
     int audio_streams = 0;
     int text_streams = 0;          ///< subtitle streams that hold text
     bool compressed_sound = false; ///< the first sound is of a kind that a digital output takes as it is

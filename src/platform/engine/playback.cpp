@@ -1,5 +1,6 @@
 #include "playback.h"
 
+#include "picture_size.h"
 #include "video_plane.h"
 
 #include <QDir>
@@ -43,9 +44,6 @@ constexpr auto scan_seek_interval = 300ms;
 /// Films without an index are read from this much before the place that is sought, or the next key frame would be met.
 constexpr double seek_margin_s = 2.0;
 
-/// Pictures up to this height are decoded by one thread: more cost more than they gain.
-constexpr int one_thread_height = 480;
-constexpr int two_thread_height = 720;
 /// Below this a round trip to the graphics memory costs more than decoding.
 constexpr int hardware_height = 720;
 
@@ -76,6 +74,8 @@ QByteArray picture_filters(const Playback::Film& film)
         filters += "format=bgr0";
     if (const QByteArray turning = turning_filter(film.rotation); !turning.isEmpty())
         filters += turning;
+    // One of the scalers would convert between kinds of primaries and brightness, the other would not.
+    filters += "format=primaries=bt.709:gamma=bt.1886";
     return filters.join(',');
 }
 
@@ -217,6 +217,7 @@ RaskStatus Playback::set_keep_aspect(bool keep)
         m_keep_aspect = keep;
         if (m_core)
             m_core->set("keepaspect", keep ? "yes" : "no");
+        choose_scaler();
         return rask::ok;
     });
 }
@@ -253,6 +254,7 @@ void Playback::set_volume(double percent)
 void Playback::redraw()
 {
     post([this] {
+        choose_scaler();
         if (m_core)
             m_core->picture().redraw();
     });
@@ -613,10 +615,10 @@ void Playback::do_load(const Film& film, std::shared_ptr<Answer> answer)
 
 void Playback::send_load(Time start)
 {
-    const bool graphics = m_film.height >= hardware_height && QDir(QStringLiteral("/dev/dri")).exists();
-    const int threads = m_film.height <= one_thread_height ? 1 : m_film.height <= two_thread_height ? 2 : 0;
+    const bool graphics = m_film.frame.height() >= hardware_height && QDir(QStringLiteral("/dev/dri")).exists();
     m_core->set("hwdec", graphics ? "auto-copy-safe" : "no");
-    m_core->set("vd-lavc-threads", QByteArray::number(threads));
+    m_core->set("vd-lavc-threads", QByteArray::number(picture_size::decoder_threads(m_film.frame.height())));
+    choose_scaler();
     m_core->set("vf", picture_filters(m_film));
     m_core->set("hr-seek-demuxer-offset", m_film.lacks_index ? seek_margin_s : 0.0);
     m_core->use_sound(m_sound.trust(Clock::now()) == SoundWatch::Trust::Full);
@@ -631,6 +633,17 @@ void Playback::send_load(Time start)
         load += "start=" + QByteArray::number(to_seconds(start), 'f', 3);
     if (!m_core->command(load, m_load_id))
         fail_load();
+}
+
+void Playback::choose_scaler()
+{
+    if (!m_core || m_phase == Phase::Idle)
+        return;
+    const bool on_its_side = m_film.rotation % 180 != 0;
+    const QSize frame = on_its_side ? m_film.frame.transposed() : m_film.frame;
+    const double pixel_aspect = on_its_side ? 1.0 / m_film.pixel_aspect : m_film.pixel_aspect;
+    const QSize place = VideoPlane::instance().pixel_size();
+    m_core->use_scaler(picture_size::scaling_of(frame, pixel_aspect, place, m_keep_aspect));
 }
 
 void Playback::finish_load(RaskStatus status)

@@ -32,10 +32,11 @@ public:
         QByteArray path; ///< absolute
         Time length = 0; ///< 0 when unknown
         bool seekable = false;
-        int height = 0; ///< of the picture, in pixels
+        QSize frame;               ///< as it is decoded, in pixels
+        double pixel_aspect = 1.0; ///< as MediaFile has it, and all below
         int audio_streams = 0;
-        int rotation = 0;         ///< 0, 90, 180 or 270 degrees, clockwise
-        bool has_palette = false; ///< as MediaFile has them
+        int rotation = 0; ///< 0, 90, 180 or 270 degrees, clockwise
+        bool has_palette = false;
         bool lacks_index = false;
     };
 
@@ -134,6 +135,7 @@ private:
 
     void do_load(const Film& film, std::shared_ptr<Answer> answer);
     void send_load(Time start = 0);
+    void choose_scaler();
     void finish_load(RaskStatus status);
     void fail_load();
     void break_off(RaskStatus status);
