@@ -137,7 +137,7 @@ TavelVideo::TavelVideo(QWidget* parent, const char* name, unsigned int flags)
     init();
 
     if (screen_control_.V28_ReadProcFile_ScreenStatus() > 0)
-        post(player_event::switch_screen);
+        post_screen_switch();
     socket_->send(QStringLiteral("HIDE"));
 }
 

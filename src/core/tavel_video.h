@@ -286,6 +286,8 @@ private:
 
     /// @name Messages and devices
     /// @{
+    void post_screen_switch();
+    bool is_tv_wanted() const;
     void take_file_list(const QString& list);
     void add_playlist(const QString& list);
     void note_append_request(bool append);
@@ -449,6 +451,7 @@ private:
     bool already_paused_ = false;    ///< the viewer had paused before the navigation program did
     int acknowledgements_ = 0;       ///< "OK" texts since the last "STOP"
     int stop_recipients_ = 0;
+    int screen_switches_ahead_ = 0; ///< asked for and not acted on yet
 
     // Feedback.
     bool has_subtitles_ = false; ///< the chosen track has lines

@@ -397,6 +397,7 @@ void TavelVideo::act_on(const QCustomEvent& event)
     event_number_ = event.type();
     switch (event_number_) {
     case player_event::switch_screen:
+        screen_switches_ahead_ = std::max(0, screen_switches_ahead_ - 1);
         toggle_video_out();
         return;
     case player_event::engine_error:

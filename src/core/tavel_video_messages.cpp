@@ -63,13 +63,25 @@ void TavelVideo::receive_message(const QCString& message, const QByteArray& argu
             take_file_list(list);
     } else if (message == "DoScreenChange(unsigned char)") {
         const auto to_tv = argument_of<quint8>(arguments, &read);
-        if (read && (tv_out_ ? to_tv == 0 : to_tv == 1))
-            post(player_event::switch_screen);
+        if (read && (is_tv_wanted() ? to_tv == 0 : to_tv == 1))
+            post_screen_switch();
     } else if (message == "timeChange(QString)") {
         receive_time_change();
     }
     if (!read)
         warn_unreadable(message);
+}
+
+void TavelVideo::post_screen_switch()
+{
+    ++screen_switches_ahead_;
+    post(player_event::switch_screen);
+}
+
+/// The screen once everything asked for so far is done: each switch goes to the other one.
+bool TavelVideo::is_tv_wanted() const
+{
+    return tv_out_ != (screen_switches_ahead_ % 2 != 0);
 }
 
 void TavelVideo::receive_time_change()

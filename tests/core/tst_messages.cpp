@@ -245,6 +245,52 @@ private slots:
         QVERIFY(!player->window()->is_tv_out());
     }
 
+    void of_screen_messages_close_together_the_last_one_counts_data()
+    {
+        QTest::addColumn<QList<int>>("screens");
+        QTest::newRow("the TV twice") << QList<int>{1, 1};
+        QTest::newRow("the TV and back") << QList<int>{1, 0};
+        QTest::newRow("back and forth") << QList<int>{1, 0, 0, 1, 1};
+        QTest::newRow("the LCD, the TV and back") << QList<int>{0, 1, 0};
+    }
+    void of_screen_messages_close_together_the_last_one_counts()
+    {
+        QFETCH(QList<int>, screens);
+        for (const int screen : screens)
+            send_screen(screen);
+        player->settle();
+        QCOMPARE(player->window()->is_tv_out(), screens.last() == 1);
+        // And they are forgotten then.
+        send_screen(1);
+        player->settle();
+        QVERIFY(player->window()->is_tv_out());
+    }
+
+    void a_screen_message_that_comes_before_the_tv_of_the_start_is_taken_agrees_with_it()
+    {
+        player.reset();
+        qputenv("TAVEL_TV", "1");
+        player = std::make_unique<Player>();
+        qunsetenv("TAVEL_TV");
+        QVERIFY(!player->window()->is_tv_out());
+        send_screen(1);
+        player->settle();
+        QVERIFY(player->window()->is_tv_out());
+    }
+
+    void a_screen_message_after_a_switch_that_nobody_sent_goes_by_the_screen()
+    {
+        player->post(player_event::switch_screen);
+        player->settle();
+        QVERIFY(player->window()->is_tv_out());
+        send_screen(1);
+        player->settle();
+        QVERIFY(player->window()->is_tv_out());
+        send_screen(0);
+        player->settle();
+        QVERIFY(!player->window()->is_tv_out());
+    }
+
     void a_changed_clock_holds_the_playing_film_for_half_a_second()
     {
         player->play_a_film();
