@@ -270,7 +270,8 @@ bool TavelVideo::eventFilter(QObject* object, QEvent* event)
         if (type == QEvent::Close)
             browser_open_ = false;
     }
-    if (type == QEvent::MouseButtonPress || type == QEvent::KeyPress)
+    // Of a quick double tap the second press comes to widgets as a double click only.
+    if (type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick || type == QEvent::KeyPress)
         menu_timer_->stop();
     if (type == QEvent::MouseButtonRelease || type == QEvent::KeyRelease)
         reset_menu_timer();

@@ -176,6 +176,12 @@ void PlayerWindow::tap(const QPoint& place)
     lift(place);
 }
 
+void PlayerWindow::double_tap(const QPoint& place)
+{
+    QTest::mouseDClick(DeviceScreen::instance()->window()->windowHandle(), Qt::LeftButton, Qt::NoModifier,
+                       in_host(place));
+}
+
 void PlayerWindow::touch(const QPoint& place)
 {
     QTest::mousePress(DeviceScreen::instance()->window()->windowHandle(), Qt::LeftButton, Qt::NoModifier,

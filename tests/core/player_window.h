@@ -83,6 +83,7 @@ public:
     void release(int key, bool auto_repeat = false);
     void click(int key);
     void tap(const QPoint& place);
+    void double_tap(const QPoint& place);
     void touch(const QPoint& place);
     void lift(const QPoint& place);
 

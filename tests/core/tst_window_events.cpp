@@ -5,6 +5,34 @@
 
 #include <QtWidgets/QComboBox>
 
+namespace
+{
+
+/// Asks a question at each release of the pointer over a widget, before anybody acts on the release.
+class ReleaseWatch : public QObject
+{
+public:
+    ReleaseWatch(QWidget* watched, std::function<bool()> question) : watched_(watched), question_(std::move(question))
+    {
+        // The filter that was installed last is asked first.
+        qApp->installEventFilter(this);
+    }
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (object == watched_ && event->type() == QEvent::MouseButtonRelease)
+            answers.append(question_());
+        return false;
+    }
+
+    QList<bool> answers;
+
+private:
+    QWidget* watched_;
+    std::function<bool()> question_;
+};
+
+} // namespace
+
 /// What the window makes of its own events, of everybody's keys and presses, and of its timers.
 class WindowEventsTest : public QObject
 {
@@ -80,6 +108,16 @@ private slots:
         QVERIFY(menu->isActive());
         QVERIFY(menu->isSingleShot());
         QCOMPARE(menu->interval(), 5000);
+    }
+
+    void the_second_press_of_a_double_tap_stops_the_menu_timer_too()
+    {
+        play_with_controls();
+        QTimer* const menu = player->timer("menu_timer");
+        const ReleaseWatch watch(DeviceScreen::instance()->viewport(), [&] { return menu->isActive(); });
+        player->double_tap(BLANK);
+        QCOMPARE(watch.answers, QList<bool>({false, false}));
+        QVERIFY(menu->isActive());
     }
 
     void a_press_on_a_panel_is_no_tap_on_the_picture_data()
