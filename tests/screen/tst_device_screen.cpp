@@ -39,6 +39,7 @@ private slots:
     void a_click_activates_the_window_under_it();
     void a_window_shown_without_activating_never_becomes_active();
     void a_click_beside_all_windows_keeps_the_active_window();
+    void the_second_press_of_a_double_click_activates_the_window_under_it();
     void stacking_orders_windows_without_activating_them();
     void a_window_can_be_put_under_several_others();
     void a_window_wholly_under_another_lets_the_video_through_instead_of_showing();
@@ -244,6 +245,28 @@ void TstDeviceScreen::a_click_beside_all_windows_keeps_the_active_window()
     QVERIFY(window.isActiveWindow());
     QVERIFY(window.hasFocus() || window.focusWidget() == nullptr);
     QCOMPARE(window.log.filter("click").size(), 0);
+}
+
+void TstDeviceScreen::the_second_press_of_a_double_click_activates_the_window_under_it()
+{
+    class Vanishing : public ProbeWindow
+    {
+    public:
+        using ProbeWindow::ProbeWindow;
+
+    protected:
+        void mouseReleaseEvent(QMouseEvent*) override { hide(); }
+    };
+    ProbeWindow below(Qt::red, QRect(80, 104, 100, 100));
+    below.show();
+    ProbeWindow beside(Qt::green, QRect(280, 104, 100, 100));
+    beside.show();
+    Vanishing above(Qt::blue, QRect(80, 104, 100, 100));
+    above.show();
+    QTest::mouseDClick(DeviceScreen::instance()->windowHandle(), Qt::LeftButton, {}, QPoint(5, 5));
+    QVERIFY(!above.isVisible());
+    QCOMPARE(below.log.filter("click"), QStringList{"click 5 5"});
+    QVERIFY(below.isActiveWindow());
 }
 
 void TstDeviceScreen::stacking_orders_windows_without_activating_them()

@@ -413,7 +413,8 @@ bool DeviceScreen::viewportEvent(QEvent* event)
     case QEvent::WindowDeactivate:
         // The host's activation must not reach the scene.
         return QAbstractScrollArea::viewportEvent(event);
-    case QEvent::MouseButtonPress: {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick: {
         const QPoint place = static_cast<QMouseEvent*>(event)->position().toPoint();
         if (const QGraphicsItem* item = itemAt(place)) {
             const auto* const window = dynamic_cast<const WindowItem*>(item->topLevelItem() == m_user ? item : nullptr);
