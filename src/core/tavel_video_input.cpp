@@ -356,7 +356,7 @@ bool TavelVideo::event(QEvent* event)
         break;
     case player_event::subtitle_redraw:
         settings_->draw_subtitles(position_);
-        subtitle_->draw();
+        redraw_subtitles();
         break;
     case player_event::time_display:
         time_bar_->set_slidervalue(static_cast<unsigned int>(position_ / 1000));

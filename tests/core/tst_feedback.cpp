@@ -268,6 +268,27 @@ private slots:
         QCOMPARE(player->subtitle()->background_pixmap().toImage(), blank);
     }
 
+    void a_line_that_was_due_before_subtitles_were_switched_off_is_not_drawn_after_that()
+    {
+        scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("subtitle_streams"), QStringLiteral("1"));
+        scripted_engine::set_subtitles(0, {{1000, 3000, "one"}});
+        player->play_a_film();
+        const QImage blank = player->subtitle()->background_pixmap().toImage();
+        player->combo("subtitle_combo_display")->setCurrentIndex(1);
+        player->post(player_event::reload_subtitles);
+        // The engine's thread learns of the setting when it is acted on.
+        scripted_engine::run_to(2000);
+        player->settle();
+        QCOMPARE(player->subtitle()->background_pixmap().toImage(), blank);
+        player->post(player_event::subtitle_redraw);
+        player->settle();
+        QCOMPARE(player->subtitle()->background_pixmap().toImage(), blank);
+        player->combo("subtitle_combo_display")->setCurrentIndex(0);
+        player->post(player_event::subtitle_redraw);
+        player->settle();
+        QVERIFY(player->subtitle()->background_pixmap().toImage() != blank);
+    }
+
     void another_track_is_taken_from_the_engine()
     {
         scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("subtitle_streams"), QStringLiteral("2"));
