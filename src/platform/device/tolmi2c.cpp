@@ -1,16 +1,13 @@
 #include "tolmi2c.h"
 
 #include "device_screen.h"
+#include "host_screen.h"
 #include "plugged_outputs.h"
 
-#include <QGuiApplication>
 #include <utility>
 
 namespace
 {
-
-// Platforms on which the player has the whole screen to itself.
-constexpr const char* platforms_without_windows[] = {"linuxfb", "eglfs", "minimalegl", "directfb"};
 
 std::function<void(const char*)>& current_recorder()
 {
@@ -22,16 +19,6 @@ void record(const char* operation)
 {
     if (const auto& recorder = current_recorder())
         recorder(operation);
-}
-
-bool has_window_system()
-{
-    const QString platform = QGuiApplication::platformName();
-    for (const char* name : platforms_without_windows) {
-        if (platform == QLatin1String(name))
-            return false;
-    }
-    return true;
 }
 
 } // namespace
@@ -53,7 +40,7 @@ int TolmI2c::V28_ReadProcFile_ScreenStatus() const
     record("V28_ReadProcFile_ScreenStatus");
     if (const auto answer = PluggedOutputs::environment_answer("TAVEL_TV"))
         return *answer ? 1 : 0;
-    if (has_window_system())
+    if (host_screen() != HostScreen::Displays)
         return 0;
     return PluggedOutputs().connected_displays() > 1 ? 1 : 0;
 }

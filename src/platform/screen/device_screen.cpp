@@ -1,6 +1,7 @@
 #include "device_screen.h"
 
 #include "device_font.h"
+#include "host_screen.h"
 #include "key_pad.h"
 #include "video_item.h"
 #include "video_plane.h"
@@ -32,18 +33,6 @@ constexpr QRect desktop(80, 104, 480, 272);
 /// Index of each plane in the table of planes.
 constexpr std::size_t video_plane = 1;
 constexpr std::size_t user_plane = 2;
-
-/// Platforms without a window system: the display is the whole screen.
-constexpr std::array<QLatin1StringView, 5> bare_platforms{
-    QLatin1StringView("linuxfb"),      QLatin1StringView("eglfs"),    QLatin1StringView("vnc"),
-    QLatin1StringView("vkkhrdisplay"), QLatin1StringView("directfb"),
-};
-
-bool has_window_system()
-{
-    const QString platform = QGuiApplication::platformName();
-    return std::find(bare_platforms.begin(), bare_platforms.end(), platform) == bare_platforms.end();
-}
 
 bool is_pop_up(const QWidget* widget)
 {
@@ -566,7 +555,7 @@ void DeviceScreen::set_output(Output output)
     if (m_output == output)
         return;
     m_output = output;
-    if (has_window_system()) {
+    if (host_screen() == HostScreen::Windowed) {
         if (output == Output::Tv)
             move_to_tv();
         else
@@ -619,7 +608,7 @@ void DeviceScreen::present()
 {
     if (isVisible())
         return;
-    if (has_window_system())
+    if (host_screen() == HostScreen::Windowed)
         show();
     else
         showFullScreen();
