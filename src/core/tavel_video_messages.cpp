@@ -192,7 +192,9 @@ void TavelVideo::stop_for_navigation()
     take_notice_down();
     post_custom_event(this, player_event::stop, player_event::KeepPlace{});
     reply_owed_ = true;
-    start_position_ms_ = static_cast<unsigned int>(position_);
+    // A film that a request has stopped stands at 0; the place it was stopped at is kept already.
+    if (!isIn(&TavelVideo::stop_state))
+        start_position_ms_ = static_cast<unsigned int>(position_);
     // Looked at after the stop has been acted on.
     QMetaObject::invokeMethod(this, &TavelVideo::answer_if_nothing_plays, Qt::QueuedConnection);
 }

@@ -472,6 +472,52 @@ private slots:
         QTRY_COMPARE(player->log_of({"seek"}), QStringList(QStringLiteral("seek 3 6000")));
     }
 
+    void a_second_request_to_stop_keeps_the_place_of_the_first_data()
+    {
+        QTest::addColumn<QByteArray>("first");
+        QTest::addColumn<QByteArray>("second");
+        for (const char* first : {"STOP", "NAVI_START"})
+            for (const char* second : {"STOP", "NAVI_START"})
+                QTest::addRow("%s, %s", first, second) << QByteArray(first) << QByteArray(second);
+    }
+    void a_second_request_to_stop_keeps_the_place_of_the_first()
+    {
+        QFETCH(QByteArray, first);
+        QFETCH(QByteArray, second);
+        scripted_engine::set_info(QStringLiteral("video"), QStringLiteral("time"), QStringLiteral("600000"));
+        connect_navigation();
+        play_with_navigation();
+        scripted_engine::run_to(60000);
+        say(first);
+        QTRY_COMPARE(heard.count("OK\n"), 1);
+        QVERIFY(player->in(&TavelVideo::stop_state));
+        say(second);
+        QTRY_COMPARE(heard.count("OK\n"), 2);
+        player->settle();
+        player->clear_log();
+        player->post(player_event::play);
+        QTRY_VERIFY(heard.endsWith("STOP\n"));
+        say("OK");
+        QTRY_COMPARE(player->log_of({"seek"}), QStringList(QStringLiteral("seek 3 60000")));
+    }
+
+    void a_request_to_stop_keeps_the_place_sought_while_stopped()
+    {
+        connect_navigation();
+        play_with_navigation();
+        player->post(player_event::stop);
+        player->settle();
+        player->seek_to(4000);
+        player->settle();
+        say("STOP");
+        QTRY_COMPARE(heard.count("OK\n"), 1);
+        player->clear_log();
+        player->post(player_event::play);
+        QTRY_VERIFY(heard.endsWith("STOP\n"));
+        say("OK");
+        QTRY_COMPARE(player->log_of({"seek"}), QStringList(QStringLiteral("seek 3 4000")));
+    }
+
     void which_texts_are_acted_on_before_the_next_one_is_read_data()
     {
         QTest::addColumn<QString>("text");
