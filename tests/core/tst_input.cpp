@@ -90,6 +90,7 @@ private slots:
 
     void right_released_early_skips_forward_by_the_chosen_skip_time()
     {
+        scripted_engine::set_info(QStringLiteral("video"), QStringLiteral("time"), QStringLiteral("60000"));
         play_in_full_screen();
         player->combo("playback_combo_seektime")->setCurrentIndex(1);
         scripted_engine::run_to(2000);
@@ -99,6 +100,7 @@ private slots:
         QCOMPARE(counter->seeks.size(), 1);
         QCOMPARE(counter->seeks[0].mode, SeekMode::Forward);
         QCOMPARE(counter->seeks[0].target_ms, Time(17000));
+        QVERIFY(player->informs(QStringLiteral("[ SEEK ]")));
     }
 
     void a_held_left_or_right_scans_once_and_the_release_does_nothing_data()
@@ -406,6 +408,15 @@ private slots:
         QVERIFY(player->window()->is_full_screen());
     }
 
+    void the_repeated_device_key_asks_for_hidden_controls_even_where_they_are_hidden()
+    {
+        play_in_full_screen();
+        player->press(TavelVideo::HIDE_CONTROLS_KEY, true);
+        QCoreApplication::sendPostedEvents(player->window());
+        QCOMPARE(counter->numbers, QList<int>({2106}));
+        QVERIFY(player->window()->is_full_screen());
+    }
+
     void a_key_is_handled_once_whatever_panel_has_the_focus()
     {
         play_with_controls();
@@ -540,6 +551,20 @@ private slots:
         QVERIFY(player->window()->is_full_screen());
     }
 
+    void escape_on_the_file_managers_window_is_consumed()
+    {
+        play_with_controls();
+        player->post(player_event::open_browser);
+        player->settle();
+        player->timer("menu_timer")->start(100000);
+        QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QCoreApplication::sendEvent(player->file_manager(), &escape);
+        QVERIFY(!player->file_manager()->isVisible());
+        // Nobody else has seen it.
+        QCOMPARE(player->timer("menu_timer")->interval(), 100000);
+        QVERIFY(player->timer("menu_timer")->isActive());
+    }
+
     // ---- buttons
 
     void each_button_of_the_table_posts_its_event_data()
@@ -612,9 +637,11 @@ private slots:
         player->control_event("pageup");
         QCoreApplication::sendPostedEvents(player->window());
         QVERIFY(counter->numbers.isEmpty());
+        QVERIFY(!player->informs(QStringLiteral("[ SKIP FORWARD ]")));
         player->control_event("pagedown");
         QCoreApplication::sendPostedEvents(player->window());
         QCOMPARE(counter->numbers, QList<int>({3010}));
+        QVERIFY(!player->informs(QStringLiteral("[ SKIP BACKWARD ]")));
     }
 
     void list_buttons_open_and_close_their_panels()
