@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cfbio.h"
+#include "key_pad.h"
 #include "media_types.h"
 #include "player_event.h"
 #include "qcop_channel.h"
@@ -62,8 +63,8 @@ public:
     static constexpr const char* CHANNEL = "QPE/Brevaton/video";
     static constexpr int LONG_KEY_INTERVAL_MS = 1000;
     static constexpr int WINDOW_TIMER_INTERVAL_MS = 500;
-    /// The device's own key, no named key of the toolkit: hides the controls.
-    static constexpr int HIDE_CONTROLS_KEY = 0x2103;
+    /// The device's own key, no named key of the toolkit.
+    static constexpr int HIDE_CONTROLS_KEY = hide_controls_key;
     /// Held key: none.
     static constexpr int NO_KEY = 65535;
     /// Device flags of the windows that stand by themselves, and of the subtitle widget, which does on a TV.
