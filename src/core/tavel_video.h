@@ -270,6 +270,10 @@ private:
 
     /// @name Input
     /// @{
+    bool handle_full_screen_key(const QKeyEvent* event);
+    bool handle_controls_key(const QKeyEvent* event);
+    void shift_controls(int key);
+    void post_skip(SeekMode mode);
     struct NamedButton;
     static const std::array<NamedButton, 5> NAMED_BUTTONS;
     bool press_pageup();
@@ -277,10 +281,6 @@ private:
     bool press_listopen();
     bool press_bookmark_list();
     bool press_dic();
-    bool handle_full_screen_key(const QKeyEvent* event);
-    bool handle_controls_key(const QKeyEvent* event);
-    void shift_controls(int key);
-    void post_skip(SeekMode mode);
     bool filter_panel_key(QObject* object, QKeyEvent* event);
     void place_focus();
     /// @}
@@ -289,10 +289,10 @@ private:
     /// @{
     void post_screen_switch();
     bool is_tv_wanted() const;
+    void receive_time_change();
     void take_file_list(const QString& list);
     void add_playlist(const QString& list);
     void note_append_request(bool append);
-    void receive_time_change();
     void count_acknowledgement();
     void stop_for_navigation();
     void stop_for_navigation_now();
@@ -351,17 +351,17 @@ private:
     void show_file_name(const QString& name);
     void post_seek(SeekMode mode, Time target_ms);
     void set_subtitle_widget(SUBTITLE_STATE state);
-    SUBTITLE_STATE subtitle_state() const;
     const QFont& chosen_subtitle_font() const;
+    SUBTITLE_STATE subtitle_state() const;
     void redraw_subtitles();
     void select_subtitles();
     void reload_subtitles();
     void show_subtitle_due();
-    void update_dictionary_button();
     void close_subtitles();
+    void update_dictionary_button();
     void update_buttons();
-    void disable_playback_buttons();
     void reset_repeatAB();
+    void disable_playback_buttons();
     /// @}
 
     // Construction, tables.
