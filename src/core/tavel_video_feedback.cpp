@@ -153,7 +153,7 @@ const QFont& TavelVideo::chosen_subtitle_font() const
     return medium_font_;
 }
 
-/// Brings the subtitle's look and timing in line with the settings and the screen.
+/// Brings the subtitle's look in line with the settings and the screen.
 void TavelVideo::update_subtitles()
 {
     subtitles_on_ = settings_->get_subtitle_on();
@@ -162,7 +162,6 @@ void TavelVideo::update_subtitles()
     if (const SubtitlePlacement* placement = subtitle_placement(location))
         subtitle_->set_align(placement->alignment);
     subtitle_->set_text_color(settings_->get_subtitle_color(), true);
-    subtitle_->set_offset(settings_->get_time_adjust());
     if (subtitle_->isVisible())
         set_subtitle_widget(subtitle_state());
     redraw_subtitles();
@@ -186,12 +185,14 @@ void TavelVideo::redraw_subtitles()
         subtitle_->clear();
 }
 
-/// Takes the chosen track's list from the engine and the line that is due now.
+/// Takes the chosen track's list from the engine, and how it is shifted in time from the settings.
 void TavelVideo::select_subtitles()
 {
     // Track 0 is none: as an unsigned number it is far beyond the last one.
     const unsigned int track = settings_->get_subtitle_track() - 1;
     const std::vector<Subtitle>* const list = track < SUBTITLE_TRACKS ? media_player_->get_subtitles(track) : nullptr;
+    // First, or the engine's thread could choose a line of the new list by the old shift.
+    subtitle_->set_offset(settings_->get_time_adjust());
     subtitle_->set_subtitle(list);
     has_subtitles_ = list && !list->empty();
     update_dictionary_button();

@@ -5,6 +5,7 @@
 #include "slider_skin.h"
 #include "test_main.h"
 
+#include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLineEdit>
 
@@ -302,6 +303,34 @@ private slots:
         player->post(player_event::reload_subtitles);
         player->settle();
         QCOMPARE(player->subtitle()->get_last_subtitle(), QStringLiteral("two"));
+    }
+
+    void a_shift_in_time_is_seen_at_once_while_the_film_rests()
+    {
+        scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("subtitle_streams"), QStringLiteral("1"));
+        scripted_engine::set_subtitles(0, {{1000, 2500, "sooner"}, {2600, 5000, "later"}});
+        player->play_a_film();
+        scripted_engine::run_to(2000);
+        player->post(player_event::pause);
+        player->settle();
+        QCOMPARE(player->subtitle()->get_last_subtitle(), QStringLiteral("sooner"));
+        const QImage sooner = player->subtitle()->background_pixmap().toImage();
+        auto* const shift = player->settings()->findChild<QLineEdit*>(QStringLiteral("subtitle_edit_sync"));
+        const QString none = shift->text();
+        auto* const forward =
+            player->settings()->findChild<QAbstractButton*>(QStringLiteral("subtitle_button_forward"));
+        forward->click();
+        forward->click();
+        QCOMPARE(player->settings()->get_time_adjust(), 1000);
+        player->post(player_event::reload_subtitles);
+        player->settle();
+        QCOMPARE(player->subtitle()->get_last_subtitle(), QStringLiteral("later"));
+        QVERIFY(player->subtitle()->background_pixmap().toImage() != sooner);
+        shift->setText(none);
+        player->post(player_event::reload_subtitles);
+        player->settle();
+        QCOMPARE(player->subtitle()->get_last_subtitle(), QStringLiteral("sooner"));
+        QCOMPARE(player->subtitle()->background_pixmap().toImage(), sooner);
     }
 
     void subtitles_that_are_read_later_are_taken_up()
