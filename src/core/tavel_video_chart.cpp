@@ -159,7 +159,6 @@ TavelVideo::State TavelVideo::video_player_state(const QEvent* e)
         return State();
     case player_event::open_settings:
         leave_full_screen();
-        media_player_->set_aspect(static_cast<int>(AspectMode::Fill));
         place_settings_preview();
         settings_->show();
         DeviceScreen::instance()->raise_window(settings_);
@@ -1065,9 +1064,10 @@ void TavelVideo::show_pause_button()
     control_bar_->showFocus(QStringLiteral("pause"));
 }
 
-/// The film in a small window beside the settings, visible if it was before.
+/// The film fills a small window beside the settings, visible if it was before.
 void TavelVideo::place_settings_preview()
 {
+    media_player_->set_aspect(static_cast<int>(AspectMode::Fill));
     const bool picture_was_on = picture_plane_on_;
     set_picture_plane(false);
     const QRect place = tv_out_ ? TV_PREVIEW.translated(0, -controls_offset_) : LCD_PREVIEW;

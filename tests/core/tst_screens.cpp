@@ -356,6 +356,22 @@ private slots:
         QCOMPARE(player->log_of({"set_video_window"}), QStringList(QStringLiteral("set_video_window 93 162 221 126")));
     }
 
+    void the_settings_picture_is_filled_on_the_other_screen_too()
+    {
+        player->play_a_film();
+        player->post(player_event::open_settings);
+        player->settle();
+        for (const QStringList& expected : {QStringList{"set_video_window 0 0 640 480", "set_aspect 1", "set_aspect 0",
+                                                        "set_video_window 93 162 221 126"},
+                                            QStringList{"set_video_window 0 0 480 272", "set_aspect 1", "set_aspect 0",
+                                                        "set_video_window 12 64 221 126"}}) {
+            player->clear_log();
+            player->post(player_event::switch_screen);
+            player->settle();
+            QVERIFY2(player->log_of({"set_"}) == expected, qPrintable(describe(player->log())));
+        }
+    }
+
     void the_settings_picture_moves_with_the_controls_on_the_tv()
     {
         player->play_a_film();
