@@ -211,6 +211,23 @@ private slots:
         QVERIFY(player->title_bar()->isVisible());
     }
 
+    void the_controls_come_out_on_the_other_screen_where_another_window_keeps_them_from_hiding()
+    {
+        player->play_a_film();
+        QVERIFY(player->window()->is_full_screen());
+        QWidget other;
+        other.resize(40, 40);
+        other.show();
+        DeviceScreen::instance()->activate(&other);
+        player->post(player_event::switch_screen);
+        player->settle();
+        QVERIFY(player->window()->is_tv_out());
+        QVERIFY(!player->window()->is_full_screen());
+        QVERIFY(player->control_bar()->isVisible());
+        QVERIFY(player->title_bar()->isVisible());
+        QVERIFY(player->timer("menu_timer")->isActive());
+    }
+
     void each_list_panel_comes_back_after_the_switch_data()
     {
         QTest::addColumn<QString>("button");
@@ -617,10 +634,15 @@ private slots:
 
     void an_engine_that_does_not_start_is_a_playback_failure()
     {
+        qputenv("TAVEL_DIGITAL_OUT", "1");
+        player->combo("sound_combo_spdif")->setCurrentIndex(0);
+        scripted_engine::set_info(QStringLiteral("audio"), QStringLiteral("channels"), QStringLiteral("6"));
         scripted_engine::set_next_result(QStringLiteral("initialize"), rask::engine_failed);
         player->at_next_notice();
         player->hand_over(player->make_files(1));
         QTRY_COMPARE(player->notices(), QStringList(QStringLiteral("CAN NOT EXECUTE FILE.")));
+        player->settle();
+        QVERIFY(player->log_of({"set_option 1 1"}).isEmpty());
     }
 
 private:
