@@ -276,11 +276,14 @@ void TavelVideo::hide_bookmark()
 {
     if (!bookmark_shown_)
         return;
+    const bool has_focus = bookmarks_->isAncestorOf(focusWidget());
     set_subtitle_widget(SUBTITLE_STATE::Normal);
     bookmarks_->hide();
     subtitle_->show();
     bookmark_shown_ = false;
-    place_focus();
+    // The focus stays where it is, but a hidden panel would keep all keys to itself.
+    if (has_focus)
+        place_focus();
     redraw_subtitles();
 }
 

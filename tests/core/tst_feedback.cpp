@@ -461,6 +461,23 @@ private slots:
         player->window()->show_bookmark();
         emit player->bookmarks()->close_signal();
         QVERIFY(!player->bookmarks()->isVisible());
+        QCOMPARE(player->window()->focusWidget(), player->control_bar());
+    }
+
+    void closing_the_bookmarks_from_their_list_gives_the_keys_to_the_control_bar()
+    {
+        player->window()->show_bookmark();
+        player->bookmarks()->focus_filelist();
+        player->window()->hide_bookmark();
+        QCOMPARE(player->window()->focusWidget(), player->control_bar());
+    }
+
+    void closing_the_bookmarks_leaves_the_focus_where_it_is_otherwise()
+    {
+        player->window()->show_bookmark();
+        player->window()->setFocus();
+        player->window()->hide_bookmark();
+        QCOMPARE(player->window()->focusWidget(), player->window());
     }
 
     void a_bookmark_of_the_playing_film_is_sought()
