@@ -159,6 +159,9 @@ TavelVideo::~TavelVideo()
     }
     delete socket_;
     socket_ = nullptr;
+    // On a TV it is no child of this window.
+    if (subtitle_->isWindow())
+        delete subtitle_;
 }
 
 quint16 TavelVideo::socket_port_ = TavelVideo::SOCKET_PORT;

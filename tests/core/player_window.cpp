@@ -90,9 +90,7 @@ PlayerWindow::~PlayerWindow()
     notice_timer_.stop();
     for (const int key : QSet<int>(held_keys_))
         release(key);
-    const QPointer<SubtitleControl> subtitle(subtitle_);
     window_.reset();
-    delete subtitle.data();
     delete settings_;
     delete file_manager_;
     Shell::set_recorder({});

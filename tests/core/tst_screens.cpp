@@ -253,6 +253,17 @@ private slots:
         QCOMPARE(player->subtitle()->width(), panel == QStringLiteral("PLAYLIST") ? 288 : 268);
     }
 
+    void the_subtitles_window_on_the_tv_goes_with_the_player()
+    {
+        player->play_a_film();
+        player->post(player_event::switch_screen);
+        player->settle();
+        const QPointer<SubtitleControl> subtitle(player->subtitle());
+        QVERIFY(subtitle->isWindow());
+        player.reset();
+        QVERIFY(!subtitle);
+    }
+
     void the_subtitle_on_the_tv_is_a_window_that_takes_no_keys()
     {
         player->play_a_film();
