@@ -75,8 +75,8 @@ void TavelVideo::draw_media_info(const QString& information)
 
 void TavelVideo::show_loading_screen()
 {
-    draw_media_info(text(TavelVideoString::Play) + u'\n');
     loading_->draw(text(TavelVideoString::NowLoading));
+    draw_media_info(text(TavelVideoString::Play) + u'\n');
     loading_->show();
     loading_->repaint();
     repaint();
