@@ -122,9 +122,7 @@ TavelVideo::TavelVideo(QWidget* parent, const char* name, unsigned int flags)
     init_signal_table();
     init_widgets();
 
-    QPalette black = palette();
-    black.setColor(QPalette::Window, Qt::black);
-    setPalette(black);
+    set_black_background();
 
     write_frame_buffer(FrameBufferWrite::DisablePlane0);
     channel_ = new QCopChannel(CHANNEL, this);

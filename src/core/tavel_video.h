@@ -336,6 +336,7 @@ private:
     bool hide_controls();
     void enter_full_screen();
     void leave_full_screen();
+    void set_black_background();
     void move_controls(int offset);
     void show_resolution_warning();
     void check_spdif();
@@ -351,6 +352,7 @@ private:
     void show_file_name(const QString& name);
     void post_seek(SeekMode mode, Time target_ms);
     void set_subtitle_widget(SUBTITLE_STATE state);
+    QRect tv_subtitle_place() const;
     const QFont& chosen_subtitle_font() const;
     SUBTITLE_STATE subtitle_state() const;
     void redraw_subtitles();

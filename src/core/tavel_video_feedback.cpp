@@ -130,13 +130,18 @@ void TavelVideo::set_subtitle_widget(SUBTITLE_STATE state)
     subtitle_->hide();
     if (tv_out_) {
         subtitle_->setFont(large_font_);
-        subtitle_->setGeometry(QRect(QPoint(0, y() + TV_SUBTITLE_BELOW), TV_SUBTITLE_SIZE));
+        subtitle_->setGeometry(tv_subtitle_place());
         subtitle_->set_align(TV_SUBTITLE_ALIGNMENT);
     } else if (const auto row = static_cast<std::size_t>(state); row < LCD_SUBTITLES.size()) {
         subtitle_->setFont(LCD_SUBTITLES[row].small ? small_font_ : chosen_subtitle_font());
         subtitle_->setGeometry(LCD_SUBTITLES[row].place);
     }
     subtitle_->show();
+}
+
+QRect TavelVideo::tv_subtitle_place() const
+{
+    return QRect(QPoint(0, y() + TV_SUBTITLE_BELOW), TV_SUBTITLE_SIZE);
 }
 
 /// The subtitle's font where no panel stands beside it on the LCD.

@@ -47,7 +47,6 @@ constexpr QPoint INFORMATION_PLACE_FULL_SCREEN(0, 0);
 /// Offsets of the controls from here on would lift them off a TV.
 constexpr int OFFSET_LIMIT = 106;
 constexpr int TASKBAR_Y = 356;
-constexpr QRect TV_SUBTITLE_PLACE(0, 376, 640, 124);
 
 /// Codecs whose larger pictures the device may not play in time.
 constexpr std::array<const char*, 5> DEMANDING_CODECS{{
@@ -270,19 +269,24 @@ void TavelVideo::leave_full_screen()
         toggle_fullscreen();
 }
 
+void TavelVideo::set_black_background()
+{
+    QPalette black = palette();
+    black.setColor(QPalette::Window, Qt::black);
+    setPalette(black);
+}
+
 void TavelVideo::move_controls(int offset)
 {
     if (offset >= OFFSET_LIMIT)
         return;
-    QPalette black = palette();
-    black.setColor(QPalette::Window, Qt::black);
-    setPalette(black);
+    set_black_background();
     const int top = WINDOW_PLACE.y() - offset;
     setGeometry(WINDOW_PLACE.x(), top, width(), height());
     settings_->move(x(), top);
     file_manager_->move(x(), top);
     move_taskbar(DeviceScreen::instance()->desktop_geometry().x(), TASKBAR_Y - offset);
-    subtitle_->setGeometry(TV_SUBTITLE_PLACE.translated(0, -offset));
+    subtitle_->setGeometry(tv_subtitle_place());
 }
 
 // ---------------------------------------------------------------- what the film asks of screen and sound
