@@ -273,8 +273,10 @@ private slots:
     void source_not_above_the_current_state_is_reported_and_survived();
     void entry_path_beyond_eight_is_reported_and_still_entered();
     void a_target_without_a_place_in_the_tree_is_reported_and_survived();
+    void a_transition_from_no_state_to_none_leaves_an_empty_record_and_is_reported();
     void reserved_events_stand_in_their_table();
-    void thirty_two_actions_are_searched_every_time();
+    void a_transition_of_31_actions_is_kept_and_a_longer_one_searched_every_time_data();
+    void a_transition_of_31_actions_is_kept_and_a_longer_one_searched_every_time();
     void random_trees_behave_as_the_reference();
 };
 
@@ -527,6 +529,20 @@ void TestTavelHsm::a_target_without_a_place_in_the_tree_is_reported_and_survived
     QCOMPARE(machine.isIn(TableMachine::state_of(0)), 0);
 }
 
+void TestTavelHsm::a_transition_from_no_state_to_none_leaves_an_empty_record_and_is_reported()
+{
+    TableMachine machine(family_tree(), 0, true);
+    machine.start();
+    // No handler runs any more.
+    machine.send(2999);
+    TavelHsm::Tran tran;
+    QTest::ignoreMessage(QtWarningMsg, "ASSERT: \"tran->myChain[0] != 0 && c < &tran->myChain[(sizeof(tran->myChain)/"
+                                       "sizeof(*(tran->myChain)))]\" in tavel_hsm (191)");
+    machine.tranStat(&tran, {});
+    QVERIFY(!tran.myChain[0]);
+    QCOMPARE(machine.isIn(&TavelHsm::top), 0);
+}
+
 void TestTavelHsm::reserved_events_stand_in_their_table()
 {
     const int types[] = {1000, 1001, 1002, 1003};
@@ -534,23 +550,38 @@ void TestTavelHsm::reserved_events_stand_in_their_table()
         QCOMPARE(static_cast<int>(pkgStdEvt[i]->type()), types[i]);
 }
 
-void TestTavelHsm::thirty_two_actions_are_searched_every_time()
+void TestTavelHsm::a_transition_of_31_actions_is_kept_and_a_longer_one_searched_every_time_data()
 {
-    // Node 0 drills down 16 levels: one entry, then an init and an entry a level.
-    std::vector<Node> nodes(20);
-    for (int i = 1; i < 17; ++i) {
+    QTest::addColumn<int>("levels");
+    QTest::addColumn<bool>("has_exit");
+    QTest::addColumn<bool>("kept");
+    QTest::newRow("31 actions") << 15 << false << true;
+    QTest::newRow("32 actions") << 15 << true << false;
+    QTest::newRow("34 actions") << 16 << true << false;
+}
+
+void TestTavelHsm::a_transition_of_31_actions_is_kept_and_a_longer_one_searched_every_time()
+{
+    QFETCH(int, levels);
+    QFETCH(bool, has_exit);
+    QFETCH(bool, kept);
+    // Out of the last node into node 0, which drills down: one entry, then an init and an entry a level.
+    const int last = levels + 1;
+    std::vector<Node> nodes(static_cast<std::size_t>(last + 1));
+    for (int i = 1; i <= levels; ++i) {
         nodes[static_cast<std::size_t>(i)].parent = i - 1;
         nodes[static_cast<std::size_t>(i - 1)].initial = i;
     }
-    nodes[17].transitions[2001] = 0;
-    nodes[0].transitions[2002] = 17;
-    TableMachine machine(nodes, 17, true);
-    Reference reference(nodes, 17);
+    nodes.back().has_exit = has_exit;
+    nodes.back().transitions[2001] = 0;
+    nodes[0].transitions[2002] = last;
+    TableMachine machine(nodes, last, true);
+    Reference reference(nodes, last);
     machine.start();
     for (int run = 0; run < 3; ++run) {
         QCOMPARE(machine.send(2001), reference.send(2001));
-        QCOMPARE(machine.current(), 16);
-        QVERIFY(!machine.tran(17, 0).myChain[0]);
+        QCOMPARE(machine.current(), levels);
+        QCOMPARE(bool(machine.tran(last, 0).myChain[0]), kept);
         QCOMPARE(machine.send(2002), reference.send(2002));
     }
 }
