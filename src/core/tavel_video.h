@@ -119,6 +119,8 @@ public:
     State speed_playing_state(const QEvent* e);
     State seeking_state(const QEvent* e);
     State end_of_stream_state(const QEvent* e);
+    /// The name of the handler; "top" for what is none of the window's. For the trace and tests.
+    static const char* name_of(const State& state);
     /// Forgets to which state the first seek of this process returned (all later ones return to it too). For tests.
     static void forget_seek_return();
     /// @}

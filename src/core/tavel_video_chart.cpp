@@ -69,13 +69,6 @@ constexpr std::array<StateName, 13> STATE_NAMES{{
     {&TavelVideo::end_of_stream_state, "end_of_stream_state"},
 }};
 
-const char* name_of(const TavelHsm::State& state)
-{
-    const auto row = std::find_if(STATE_NAMES.begin(), STATE_NAMES.end(),
-                                  [&](const StateName& each) { return TavelHsm::State(each.state) == state; });
-    return row == STATE_NAMES.end() ? "top" : row->name;
-}
-
 } // namespace
 
 TavelHsm::Tran TavelVideo::seek_return_;
@@ -83,6 +76,13 @@ TavelHsm::Tran TavelVideo::seek_return_;
 void TavelVideo::forget_seek_return()
 {
     seek_return_ = Tran();
+}
+
+const char* TavelVideo::name_of(const State& state)
+{
+    const auto row = std::find_if(STATE_NAMES.begin(), STATE_NAMES.end(),
+                                  [&](const StateName& each) { return State(each.state) == state; });
+    return row == STATE_NAMES.end() ? "top" : row->name;
 }
 
 /// Takes a transition and leaves one line in the trace.

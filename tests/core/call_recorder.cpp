@@ -55,34 +55,6 @@ void note(const QString& line)
         Script::instance().write(line);
 }
 
-struct StateName {
-    TavelHsm::State state;
-    const char* name;
-};
-
-QString name_of(TavelHsm::State state)
-{
-    static const std::array<StateName, 13> names{{
-        {&TavelVideo::exit_state, "exit_state"},
-        {&TavelVideo::video_player_state, "video_player_state"},
-        {&TavelVideo::get_file_state, "get_file_state"},
-        {&TavelVideo::no_file_state, "no_file_state"},
-        {&TavelVideo::file_parsed_state, "file_parsed_state"},
-        {&TavelVideo::stop_state, "stop_state"},
-        {&TavelVideo::file_loaded_state, "file_loaded_state"},
-        {&TavelVideo::streaming_state, "streaming_state"},
-        {&TavelVideo::play_state, "play_state"},
-        {&TavelVideo::pause_state, "pause_state"},
-        {&TavelVideo::speed_playing_state, "speed_playing_state"},
-        {&TavelVideo::seeking_state, "seeking_state"},
-        {&TavelVideo::end_of_stream_state, "end_of_stream_state"},
-    }};
-    for (const StateName& each : names)
-        if (each.state == state)
-            return QString::fromLatin1(each.name);
-    return QStringLiteral("top");
-}
-
 QString describe_post(int number, const QCustomEvent& event)
 {
     QString line = QStringLiteral("post %1").arg(number);
@@ -346,7 +318,7 @@ TAVEL_SEAM(void, post_number, "_Z17post_custom_eventP7QObjectiSt3any",
 TAVEL_SEAM(void, transition, "_ZN8TavelHsm8tranStatEPNS_4TranENS_5StateE",
            (TavelHsm * self, TavelHsm::Tran* tran, TavelHsm::State target))
 {
-    note(QStringLiteral("-> ") + name_of(target));
+    note(line_of("->", QString::fromLatin1(TavelVideo::name_of(target))));
     real_transition(self, tran, target);
 }
 
