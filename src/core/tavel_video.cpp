@@ -4,13 +4,10 @@
 #include "custom_event.h"
 #include "device_font.h"
 #include "media_player.h"
-#include "message_box.h"
 #include "play_list_widget.h"
 #include "subtitle_control.h"
 #include "vesk_socket.h"
 #include "window_flags.h"
-
-#include <QtWidgets/QApplication>
 
 namespace
 {

@@ -17,6 +17,7 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QLoggingCategory>
+#include <QtCore/QScopedValueRollback>
 #include <QtWidgets/QApplication>
 
 #include <algorithm>

@@ -15,8 +15,6 @@
 #include "title_skin.h"
 #include "window_flags.h"
 
-#include <QtCore/QScopedValueRollback>
-
 #include <algorithm>
 #include <cstdio>
 
