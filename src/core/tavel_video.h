@@ -44,7 +44,8 @@ class mainTitle;
 ///
 /// The definitions stand in one file for each concern, in the order of this header: tavel_video.cpp (construction,
 /// tables, destructor), _assembly (panels and connections), _engine (reports), _chart (states), _input (keys, buttons,
-/// taps), _messages (other programs, devices), _screen (LCD, TV, full screen), _feedback (texts and panels).
+/// taps, and events one after the other), _messages (other programs, devices), _screen (LCD, TV, full screen),
+/// _feedback (texts and panels).
 class TavelVideo : public QWidget, public TavelHsm
 {
     Q_OBJECT
@@ -225,13 +226,6 @@ private:
     unsigned int close_in_engine();
     /// @}
 
-    /// @name Run to completion
-    /// @{
-    void hand_over(const QCustomEvent& event);
-    void act_on(const QCustomEvent& event);
-    bool is_stale(const QCustomEvent& event) const;
-    /// @}
-
     /// @name Steps of the chart
     /// @{
     void go(Tran* tran, State target);
@@ -285,6 +279,13 @@ private:
     bool press_dic();
     bool filter_panel_key(QObject* object, QKeyEvent* event);
     void place_focus();
+    /// @}
+
+    /// @name Run to completion
+    /// @{
+    void hand_over(const QCustomEvent& event);
+    void act_on(const QCustomEvent& event);
+    bool is_stale(const QCustomEvent& event) const;
     /// @}
 
     /// @name Messages and devices
@@ -416,10 +417,6 @@ private:
     std::atomic<unsigned int> file_number_ = 1; ///< grows with each opening and closing
     ReportGate gate_;                           ///< shut while the display is switched or key frames are scanned
 
-    // Run to completion.
-    bool acting_ = false;
-    std::deque<std::unique_ptr<QCustomEvent>> waiting_;
-
     // Chart.
     static Tran seek_return_;
     State history_;                                   ///< the streaming state that was left last
@@ -447,6 +444,10 @@ private:
     bool playlist_shown_ = false;
     bool bookmark_shown_ = false;
 
+    // Run to completion.
+    bool acting_ = false;
+    std::deque<std::unique_ptr<QCustomEvent>> waiting_;
+
     // Messages and devices.
     int volume_ = 0;
     bool append_files_ = false; ///< the next file list goes behind the playlist
@@ -458,12 +459,12 @@ private:
     int stop_recipients_ = 0;
     int screen_switches_ahead_ = 0; ///< asked for and not acted on yet
 
-    // Feedback.
-    bool has_subtitles_ = false; ///< the chosen track has lines
-
     // Screens.
     bool full_screen_ = false; ///< the controls are hidden
     bool tv_out_ = false;
     bool spdif_active_ = false;
     int controls_offset_ = 0; ///< pixels by which the controls are moved up on a TV
+
+    // Feedback.
+    bool has_subtitles_ = false; ///< the chosen track has lines
 };
