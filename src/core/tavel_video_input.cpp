@@ -49,10 +49,6 @@ bool modal_dialog_is_up()
                        [](const QWidget* each) { return each->isVisible() && each->isModal(); });
 }
 
-/// The machine's own signals, which nobody may post.
-constexpr int FIRST_RESERVED_EVENT = 1000;
-constexpr int LAST_RESERVED_EVENT = 1003;
-
 } // namespace
 
 // ---------------------------------------------------------------- keys
@@ -373,7 +369,8 @@ bool TavelVideo::event(QEvent* event)
 void TavelVideo::hand_over(const QCustomEvent& event)
 {
     const int number = event.type();
-    if (number >= FIRST_RESERVED_EVENT && number <= LAST_RESERVED_EVENT)
+    // Nobody may post the machine's own signals.
+    if (number >= empty_event && number <= exit_event)
         return;
     if (number == player_event::close || number == player_event::flush)
         take_notice_down();
