@@ -53,7 +53,7 @@ enum Number : int {
     stream_started = 3006,    ///< playback began, or goes on after a seek
     engine_prepared = 3007,   ///< the first frame can be shown
     wait_for_players = 3009,  ///< ask again whether the other players are silent; carries a LoadNumber
-    taken_by_name = 3010,     ///< of buttons that are taken by their name before they could be posted
+    taken_by_name = 3010,     ///< of buttons taken by name; "pagedown" without seeking posts it, nobody acts on it
 };
 
 /// The value of an event 2002 after which the film is to go on from where it was stopped.
