@@ -13,7 +13,7 @@ public:
 
     /// The state of playback has changed. @return 1
     virtual int notify_state_change(PlayerState state) = 0;
-    /// The playing position, in milliseconds; every 50 ms while the film moves. @return 1
+    /// The playing position, in milliseconds; how often stands in docs/engine.md. @return 1
     virtual int notify_time_update(long long position) = 0;
     /// Playback failed with this status. Reported at most once for each opened file. @return 1
     virtual int notify_error(unsigned int status) = 0;
