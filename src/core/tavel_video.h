@@ -222,6 +222,7 @@ private:
     void post_held_back(const ReportGate::Held& held);
     void check_repeat(Time position);
     void check_scan_end(Time position);
+    void end_watched_scan();
     unsigned int open_in_engine(const QString& file);
     unsigned int close_in_engine();
     /// @}

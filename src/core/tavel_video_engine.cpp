@@ -69,8 +69,7 @@ void TavelVideo::stream_event(StreamType type, StreamState state)
     if (type != StreamType::Film)
         return;
     if (gate_.hold_end_of_stream(file_number_)) {
-        if (scan_watch_.exchange(0) != 0)
-            post_report(player_event::play, file_number_);
+        end_watched_scan();
         return;
     }
     std::puts("EOS!!!");
@@ -91,14 +90,22 @@ void TavelVideo::check_repeat(Time position)
     QPEApplication::wakeUpGuiThread();
 }
 
-/// A key-frame scan that has come to either end of the film gives way to normal play.
+/// A key-frame scan that has come to either end of the film ends.
 void TavelVideo::check_scan_end(Time position)
 {
     const int watch = scan_watch_;
     if (watch == 0)
         return;
     const bool at_end = watch > 0 ? total_ms_ > 0 && position >= total_ms_ : position <= 0;
-    if (at_end && scan_watch_.exchange(0) != 0)
+    if (at_end)
+        end_watched_scan();
+}
+
+/// Asks once for normal play in place of a key-frame scan. The end of the stream asks too: a film may stop before the
+/// length that it states, and its end is held back until the scan is over.
+void TavelVideo::end_watched_scan()
+{
+    if (scan_watch_.exchange(0) != 0)
         post_report(player_event::play, file_number_);
 }
 
