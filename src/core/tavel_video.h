@@ -218,6 +218,7 @@ private:
     void post(int type);
     void post_from_engine(int type);
     void post_report(int type, unsigned int file);
+    void post_end_of_stream(unsigned int file);
     void post_failure();
     void post_held_back(const ReportGate::Held& held);
     void check_repeat(Time position);

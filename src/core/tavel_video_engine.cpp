@@ -68,12 +68,10 @@ void TavelVideo::stream_event(StreamType type, StreamState state)
         return;
     if (type != StreamType::Film)
         return;
-    if (gate_.hold_end_of_stream(file_number_)) {
+    if (gate_.hold_end_of_stream(file_number_))
         end_watched_scan();
-        return;
-    }
-    std::puts("EOS!!!");
-    post_report(player_event::end_of_stream, file_number_);
+    else
+        post_end_of_stream(file_number_);
 }
 
 /// Each crossing of B asks for one seek; a position before B ends the crossing.
@@ -126,6 +124,12 @@ void TavelVideo::post_report(int type, unsigned int file)
     QPEApplication::wakeUpGuiThread();
 }
 
+void TavelVideo::post_end_of_stream(unsigned int file)
+{
+    std::puts("EOS!!!");
+    post_report(player_event::end_of_stream, file);
+}
+
 /// An engine call of the chart has failed on the chosen file.
 void TavelVideo::post_failure()
 {
@@ -135,7 +139,7 @@ void TavelVideo::post_failure()
 void TavelVideo::post_held_back(const ReportGate::Held& held)
 {
     if (held.end_of_stream != 0)
-        post_report(player_event::end_of_stream, held.end_of_stream);
+        post_end_of_stream(held.end_of_stream);
     if (held.stopped != 0)
         post_report(player_event::engine_stopped, held.stopped);
 }

@@ -1,4 +1,5 @@
 #include "player.h"
+#include "printed_text.h"
 #include "qpe_application.h"
 #include "slider_skin.h"
 #include "test_main.h"
@@ -247,10 +248,17 @@ private slots:
         scripted_engine::set_automatic_reports(false);
         player->post(player_event::scan_forward);
         player->settle();
+        EventCounter counter(player->window());
+        PrintedText printed;
         scripted_engine::report_stream(StreamType::Film, StreamState::Ended);
         scripted_engine::report_state(PlayerState::Stopped);
         player->settle();
+        const QByteArray text = printed.take();
         QTRY_VERIFY(player->in(&TavelVideo::stop_state));
+        // The film may be shorter than it says: its end ends the scan, and only then is acted on.
+        QCOMPARE(counter.numbers.mid(0, 3), QList<int>({2000, 3005, 3004}));
+        QCOMPARE(counter.count(player_event::end_of_stream), 1);
+        QCOMPARE(text.count("EOS!!!\n"), 1);
     }
 
     // ---- the repeated passage

@@ -163,19 +163,28 @@ private slots:
     {
         player->play_a_film();
         player->combo("playback_combo_next_action")->setCurrentIndex(2);
+        EventCounter counter(player->window());
+        PrintedText printed;
         bool in_play = false;
+        int ends_during = -1;
         int waits = 0;
         Global::set_sleeper([&](std::chrono::microseconds) {
             if (++waits != 3)
                 return;
             scripted_engine::report_stream(StreamType::Film, StreamState::Ended);
             scripted_engine::report_state(PlayerState::Stopped);
+            QCoreApplication::sendPostedEvents(player->window());
             in_play = player->in(&TavelVideo::play_state);
+            ends_during = counter.count(player_event::end_of_stream);
         });
         player->post(player_event::switch_screen);
         player->settle();
+        const QByteArray text = printed.take();
         QVERIFY(in_play);
+        QCOMPARE(ends_during, 0);
         QVERIFY(player->in(&TavelVideo::stop_state));
+        QCOMPARE(counter.count(player_event::end_of_stream), 1);
+        QCOMPARE(text.count("EOS!!!\n"), 1);
     }
 
     void reports_of_the_engine_are_not_acted_on_during_the_switch()
