@@ -759,11 +759,8 @@ void TavelVideo::exit_file_loaded()
     const unsigned int status = close_in_engine();
     // A report may have come until the file was closed.
     position_ = 0;
-    if (status != rask::ok) {
-        std::printf("File Close Error = 0x%08X \n", status);
-        return;
-    }
-    settings_->clear_information();
+    if (status == rask::ok)
+        settings_->clear_information();
 }
 
 /// One step of the wait; it has no limit, the player waits until every recipient has answered.

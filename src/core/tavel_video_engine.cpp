@@ -159,5 +159,7 @@ unsigned int TavelVideo::close_in_engine()
 {
     const unsigned int status = media_player_->close();
     ++file_number_;
+    if (status != rask::ok)
+        std::printf("File Close Error = 0x%08X \n", status);
     return status;
 }

@@ -678,6 +678,24 @@ private slots:
         QVERIFY(!log.contains(QStringLiteral("settings clear_information")));
     }
 
+    void each_close_that_fails_is_printed_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::newRow("the file is given up") << 2302;
+        QTest::newRow("the application is closed") << 2007;
+    }
+    void each_close_that_fails_is_printed()
+    {
+        QFETCH(int, number);
+        start_stopped(1);
+        scripted_engine::set_next_result(QStringLiteral("close"), 0x1234);
+        PrintedText printed;
+        act(number);
+        const QByteArray text = printed.take();
+        QCOMPARE(text.count("File Close Error = 0x00001234 \n"), 1);
+        QVERIFY(player->log().contains(QStringLiteral("settings clear_information")));
+    }
+
     // ---- load_movie
 
     void a_film_on_the_tv_fills_the_tv()
