@@ -5,7 +5,7 @@
 /// Holds the engine's reports back while the display is switched or the key frames are scanned.
 ///
 /// An end of stream and a stop are remembered, so that they are not lost; everything else that is held back is
-/// forgotten. May be used from any thread.
+/// forgotten. Errors and starts of a stream do not pass through here. May be used from any thread.
 class ReportGate
 {
 public:

@@ -261,6 +261,19 @@ private slots:
         QCOMPARE(text.count("EOS!!!\n"), 1);
     }
 
+    void an_error_during_a_key_frame_scan_is_reported()
+    {
+        play_at(4000);
+        use_key_frames();
+        player->post(player_event::scan_forward);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::speed_playing_state));
+        player->at_next_notice();
+        scripted_engine::report_error(0x1234);
+        QTRY_COMPARE(player->notices(), QStringList(QStringLiteral("CAN NOT EXECUTE FILE.")));
+        QCOMPARE(player->window()->last_error(), 0x1234U);
+    }
+
     // ---- the repeated passage
 
     void a_and_b_and_neither()

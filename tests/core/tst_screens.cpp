@@ -187,7 +187,7 @@ private slots:
         QCOMPARE(text.count("EOS!!!\n"), 1);
     }
 
-    void reports_of_the_engine_are_not_acted_on_during_the_switch()
+    void of_the_engines_reports_during_the_switch_only_a_start_is_acted_on()
     {
         player->play_a_film();
         EventCounter counter(player->window());
@@ -198,12 +198,13 @@ private slots:
             scripted_engine::report_state(PlayerState::Paused);
             scripted_engine::report_state(PlayerState::Prepared);
             scripted_engine::report_stream(static_cast<StreamType>(1), StreamState::Ended);
+            scripted_engine::report_stream(StreamType::Film, StreamState::Started);
         });
         scripted_engine::set_automatic_reports(false);
         player->post(player_event::switch_screen);
         player->settle();
         QCOMPARE(waits, 6);
-        QCOMPARE(counter.numbers, QList<int>({2300}));
+        QCOMPARE(counter.numbers, QList<int>({2300, 3006}));
     }
 
     void the_panels_come_back_as_they_were()
