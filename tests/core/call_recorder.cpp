@@ -1,5 +1,6 @@
 #include "call_recorder.h"
 
+#include "bookmark_widget.h"
 #include "control_skin.h"
 #include "custom_event.h"
 #include "device_screen.h"
@@ -160,6 +161,20 @@ public:
     }
 };
 static_assert(sizeof(RecordedPlayList) == sizeof(PlayListWidget));
+
+/// The same for the bookmarks.
+class RecordedBookmarks : public BookmarkWidget
+{
+public:
+    using BookmarkWidget::BookmarkWidget;
+
+    void save() override
+    {
+        const Call call(line_of("bookmarks save"));
+        BookmarkWidget::save();
+    }
+};
+static_assert(sizeof(RecordedBookmarks) == sizeof(BookmarkWidget));
 
 } // namespace
 
@@ -333,7 +348,7 @@ TAVEL_SEAM(void, quit, "_ZN16QCoreApplication4quitEv", ())
     real_quit();
 }
 
-/// The window's playlist is a recorded one.
+/// The window's lists are recorded ones.
 TAVEL_SEAM(void, make_playlist, "_ZN14PlayListWidgetC1EP7QWidgetPKc",
            (PlayListWidget * self, QWidget* parent, const char* name))
 {
@@ -341,6 +356,15 @@ TAVEL_SEAM(void, make_playlist, "_ZN14PlayListWidgetC1EP7QWidgetPKc",
         new (self) RecordedPlayList(parent, name);
     else
         real_make_playlist(self, parent, name);
+}
+
+TAVEL_SEAM(void, make_bookmarks, "_ZN14BookmarkWidgetC1EP7QWidgetPKc",
+           (BookmarkWidget * self, QWidget* parent, const char* name))
+{
+    if (recordings > 0)
+        new (self) RecordedBookmarks(parent, name);
+    else
+        real_make_bookmarks(self, parent, name);
 }
 
 } // namespace call_recorder::seams

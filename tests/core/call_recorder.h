@@ -4,13 +4,13 @@
 /// test can compare the whole order of calls.
 ///
 /// It listens at the seams between the program's files: the linker leads the calls through call_recorder.cpp (see
-/// CALL_RECORDER_SYMBOLS in CMakeLists.txt), and the playlist is made as one that writes its operations down. The
+/// CALL_RECORDER_SYMBOLS in CMakeLists.txt), and the two lists are made as ones that write their operations down. The
 /// player does what it always does. Only calls on the GUI thread are written, and of a call that leads to others only
 /// the outermost; what it does to engine, planes and other programs is in the log as ever.
 ///
-/// Lines: "bar hideButton pause", "time_bar set_slidervalue 4", "playlist save_now_playing 4500", "settings set_playing
-/// 1", "window display_information [ PLAY ]", "show FILEMANAGER", "socket STOP", "post 2101 1 9000", "-> play_state",
-/// "wake", "quit".
+/// Lines: "bar hideButton pause", "time_bar set_slidervalue 4", "playlist save_now_playing 4500", "bookmarks save",
+/// "settings set_playing 1", "window display_information [ PLAY ]", "show FILEMANAGER", "socket STOP", "post 2101 1
+/// 9000", "-> play_state", "wake", "quit".
 namespace call_recorder
 {
 

@@ -620,6 +620,21 @@ private slots:
         COMPARE_CALLS(player->log(), QStringList({"post 2003 4 2000", "wake"}));
     }
 
+    // ---- the end of the window
+
+    void what_is_to_be_kept_is_saved_before_the_engine_goes()
+    {
+        // Of the position the low 32 bits are kept.
+        scripted_engine::report_time((Time(1) << 32) + 4500);
+        player->settle();
+        player->clear_log();
+        QStringList log;
+        connect(player->window(), &QObject::destroyed, this, [&log] { log = scripted_engine::log(); });
+        player.reset();
+        COMPARE_CALLS(log, QStringList({"playlist save_now_playing 4500", "bookmarks save", "settings save_settings",
+                                        "settings set_player 0", "release", "~MediaPlayer"}));
+    }
+
 private:
     /// Posts an event and lets everything happen that it leads to; the log begins with what it does.
     void act(int number, std::any payload = {})
