@@ -608,6 +608,17 @@ private slots:
         QTRY_COMPARE(player->notices().size(), 1);
     }
 
+    void a_subtitle_is_posted_and_the_gui_thread_woken()
+    {
+        scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("subtitle_streams"), QStringLiteral("1"));
+        scripted_engine::set_subtitles(0, {{1200, 2000, "one"}});
+        player->play_a_film();
+        run_to(1000);
+        player->clear_log();
+        scripted_engine::report_time(1500, scripted_engine::From::Caller);
+        COMPARE_CALLS(player->log(), QStringList({"post 2103", "wake"}));
+    }
+
     void passing_b_is_posted_and_the_gui_thread_woken()
     {
         allow_repeat();
