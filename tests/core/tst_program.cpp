@@ -2,6 +2,8 @@
 #include "qcop_channel.h"
 #include "test_main.h"
 
+#include <QtNetwork/QTcpSocket>
+
 /// The program itself, started as a user's system starts it: what the system says reaches the state chart.
 class ProgramTest : public QObject
 {
@@ -43,6 +45,17 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(player->state(), QProcess::NotRunning, limit_ms);
         QCOMPARE(player->exitStatus(), QProcess::NormalExit);
         QCOMPARE(player->exitCode(), 0);
+    }
+
+    void other_programs_find_it_at_port_11883()
+    {
+        // A player started beside this test may be there already; then this one has said which port it wanted.
+        if (says("nobody can connect to port 11883"))
+            return;
+        QTcpSocket peer;
+        peer.connectToHost(QHostAddress::LocalHost, 11883);
+        QVERIFY2(peer.waitForConnected(limit_ms), qPrintable(peer.errorString()));
+        QCOMPARE(player->state(), QProcess::Running);
     }
 
     void a_folder_and_a_play_list_stand_for_the_films_in_them()
