@@ -1,4 +1,5 @@
 #include "control_skin.h"
+#include "paint_record.h"
 #include "printed_text.h"
 #include "skin_directory.h"
 #include "volume_skin.h"
@@ -206,6 +207,18 @@ private slots:
         QCOMPARE(static_cast<int>(bar->button("stop")->state()), 2);
     }
 
+    void press_and_release_come_to_the_screen()
+    {
+        bar->setButtonFocus("stop");
+        PaintRecord painted(bar);
+        QVERIFY(painted.begin());
+        bar->pressButton("stop");
+        QTRY_VERIFY(painted.covers(bar->button("stop")->rectangle()));
+        QVERIFY(painted.begin());
+        bar->releaseButton("stop");
+        QTRY_VERIFY(painted.covers(bar->button("stop")->rectangle()));
+    }
+
     void every_press_measures_its_own_second()
     {
         auto* timer = bar->findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
@@ -325,6 +338,17 @@ private slots:
         bar->set_mute(false);
         QCOMPARE(volumes.count(), 1);
         QCOMPARE(volumes[0][0].toInt(), 20);
+    }
+
+    void volume_and_mute_come_to_the_screen()
+    {
+        PaintRecord painted(indicator());
+        QVERIFY(painted.begin());
+        bar->set_volume(20);
+        QTRY_VERIFY(painted.covers_all());
+        QVERIFY(painted.begin());
+        bar->set_mute(true);
+        QTRY_VERIFY(painted.covers_all());
     }
 
     void mute_is_sent_at_each_call_and_shown_on_the_indicator()

@@ -1,5 +1,5 @@
+#include "paint_record.h"
 #include "tavel_button.h"
-#include "test_main.h"
 
 namespace
 {
@@ -109,6 +109,14 @@ private slots:
         QSignalSpy clicks(button, &QPushButton::clicked);
         QTest::mouseClick(button, Qt::LeftButton);
         QCOMPARE(clicks.count(), 1);
+    }
+
+    void another_picture_comes_to_the_screen()
+    {
+        PaintRecord painted(button);
+        QVERIFY(painted.begin());
+        button->set_image(strip(40, 20));
+        QTRY_VERIFY(painted.covers_all());
     }
 
     void space_clicks_it()

@@ -1,3 +1,4 @@
+#include "paint_record.h"
 #include "skin_directory.h"
 #include "slider_skin.h"
 #include "time_skin.h"
@@ -246,6 +247,21 @@ private slots:
         bar->set_slidervalue(309);
         QCOMPARE(bar->get_slidervalue(), 309U);
         QCOMPARE(elapsed()->text(), TimeSkin::time_text(309));
+    }
+
+    void each_time_comes_to_the_screen()
+    {
+        PaintRecord slider_painted(slider());
+        PaintRecord elapsed_painted(elapsed());
+        PaintRecord total_painted(total());
+        QVERIFY(slider_painted.begin() && elapsed_painted.begin() && total_painted.begin());
+        bar->set_totaltime(1000);
+        QTRY_VERIFY(slider_painted.covers_all());
+        QTRY_VERIFY(total_painted.covers_all());
+        QVERIFY(slider_painted.begin() && elapsed_painted.begin());
+        bar->set_slidervalue(309);
+        QTRY_VERIFY(slider_painted.covers_all());
+        QTRY_VERIFY(elapsed_painted.covers_all());
     }
 
     void scan_step_is_about_two_pixels_of_the_slider_data()

@@ -1,5 +1,6 @@
 #include "device_font.h"
 #include "device_screen.h"
+#include "paint_record.h"
 #include "skin_directory.h"
 #include "title_skin.h"
 
@@ -269,6 +270,16 @@ private slots:
         tick(*title);
         QCOMPARE(shown(*title), scrolled_strip(name, 128, 0));
         QCOMPARE(title->scroll_offset(), 3);
+    }
+
+    void each_step_of_a_scrolling_name_comes_to_the_screen()
+    {
+        title->set_filename(long_name());
+        timer_of(*title)->setInterval(std::chrono::hours(1));
+        PaintRecord painted(title);
+        QVERIFY(painted.begin());
+        tick(*title);
+        QTRY_VERIFY(painted.covers_all());
     }
 
     void time_moves_the_name()

@@ -1,4 +1,4 @@
-#include "test_main.h"
+#include "paint_record.h"
 
 #include "skin_base.h"
 #include "skin_layout.h"
@@ -59,6 +59,8 @@ public:
     QColor title;
 };
 
+using Change = std::function<void(Panel&)>;
+
 } // namespace
 
 class TestSkinBase : public QObject
@@ -85,6 +87,11 @@ private slots:
     void the_title_is_drawn_between_background_and_buttons();
     void each_state_has_its_picture();
     void the_focus_shows_only_while_the_panel_has_the_keys();
+    void each_change_of_a_button_comes_to_the_screen_data();
+    void each_change_of_a_button_comes_to_the_screen();
+    void each_change_of_the_panel_comes_to_the_screen_data();
+    void each_change_of_the_panel_comes_to_the_screen();
+    void the_focus_goes_and_comes_on_the_screen();
 
     void right_and_left_move_the_focus_round_the_ends();
     void the_focus_moves_past_hidden_and_disabled_buttons();
@@ -330,6 +337,73 @@ void TestSkinBase::the_focus_shows_only_while_the_panel_has_the_keys()
 }
 
 // Key pad: focus
+
+void TestSkinBase::each_change_of_a_button_comes_to_the_screen_data()
+{
+    QTest::addColumn<Change>("before");
+    QTest::addColumn<Change>("change");
+    const auto row = [](const char* name, const Change& before, const Change& change) {
+        QTest::newRow(name) << before << change;
+    };
+    const Change nothing = [](Panel&) {};
+    const Change press = [](Panel& panel) { panel.pressButton(two); };
+    const Change hide = [](Panel& panel) { panel.hideButton(two); };
+    row(
+        "pressed", [](Panel& panel) { panel.setButtonFocus(two); }, press);
+    row("released", press, [](Panel& panel) { panel.releaseButton(two); });
+    row("press taken back", press, [](Panel& panel) { panel.cancelButton(two); });
+    row("focus", nothing, [](Panel& panel) { panel.setButtonFocus(two); });
+    row(
+        "focus gone", [](Panel& panel) { panel.setButtonFocus(two); },
+        [](Panel& panel) { panel.setButtonFocus(three); });
+    row("disabled", nothing, [](Panel& panel) { panel.disableButton(two); });
+    row("hidden", nothing, hide);
+    row("shown", hide, [](Panel& panel) { panel.showNormal(two); });
+    row("shown with the focus", hide, [](Panel& panel) { panel.showFocus(two); });
+}
+
+void TestSkinBase::each_change_of_a_button_comes_to_the_screen()
+{
+    QFETCH(Change, before);
+    QFETCH(Change, change);
+    before(*m_panel);
+    PaintRecord painted(m_panel);
+    QVERIFY(painted.begin());
+    change(*m_panel);
+    QTRY_VERIFY(painted.covers(m_panel->button(two)->rectangle()));
+}
+
+void TestSkinBase::each_change_of_the_panel_comes_to_the_screen_data()
+{
+    QTest::addColumn<Change>("change");
+    const auto row = [](const char* name, const Change& change) { QTest::newRow(name) << change; };
+    row("background", [](Panel& panel) { panel.setBackgroundPixmap(QPixmap(10, 10)); });
+    row("background image", [](Panel& panel) { panel.setBackgroundImage(QImage()); });
+    row("button pictures", [](Panel& panel) { panel.redrawButtonImages(); });
+    row("alpha", [](Panel& panel) { panel.setAlphaOverride(100); });
+    row("layout", [](Panel& panel) { panel.do_configloading(QStringLiteral("PANEL")); });
+}
+
+void TestSkinBase::each_change_of_the_panel_comes_to_the_screen()
+{
+    QFETCH(Change, change);
+    PaintRecord painted(m_panel);
+    QVERIFY(painted.begin());
+    change(*m_panel);
+    QTRY_VERIFY(painted.covers_all());
+}
+
+void TestSkinBase::the_focus_goes_and_comes_on_the_screen()
+{
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    PaintRecord painted(m_panel);
+    QVERIFY(painted.begin());
+    m_panel->clearFocus();
+    QTRY_VERIFY(painted.covers_all());
+    QVERIFY(painted.begin());
+    m_panel->setFocus();
+    QTRY_VERIFY(painted.covers_all());
+}
 
 void TestSkinBase::right_and_left_move_the_focus_round_the_ends()
 {

@@ -1,4 +1,4 @@
-#include "test_main.h"
+#include "paint_record.h"
 
 #include "skin_maker.h"
 #include "slider_skin.h"
@@ -7,6 +7,8 @@ namespace
 {
 
 constexpr unsigned int top = std::numeric_limits<unsigned int>::max();
+
+using Change = std::function<void(SliderSkin&)>;
 
 } // namespace
 
@@ -52,6 +54,8 @@ private slots:
     void each_state_has_its_handle();
     void track_and_fill_are_drawn();
     void without_pictures_plain_shapes_are_drawn();
+    void each_change_comes_to_the_screen_data();
+    void each_change_comes_to_the_screen();
     void the_alpha_override_fades_all_of_it();
     void the_background_piece_is_shown_with_the_alpha();
     void the_panels_background_is_cut_at_the_sliders_place();
@@ -458,6 +462,45 @@ void TestSliderSkin::without_pictures_plain_shapes_are_drawn()
     QVERIFY(color(162, 2).alpha() > 0);
     m_slider->setDisable(true);
     QVERIFY(color(110, 2) != handle);
+}
+
+void TestSliderSkin::each_change_comes_to_the_screen_data()
+{
+    QTest::addColumn<Change>("before");
+    QTest::addColumn<Change>("change");
+    const auto row = [](const char* name, const Change& before, const Change& change) {
+        QTest::newRow(name) << before << change;
+    };
+    const Change nothing = [](SliderSkin&) {};
+    const Change press = [](SliderSkin& slider) {
+        QTest::mousePress(&slider, Qt::LeftButton, Qt::NoModifier, slider.handleRectangle().center());
+    };
+    row("value", nothing, [](SliderSkin& slider) { slider.setValue(500); });
+    row(
+        "bound", [](SliderSkin& slider) { slider.setValue(500); }, [](SliderSkin& slider) { slider.setMaximum(2000); });
+    row("mark", nothing, [](SliderSkin& slider) { slider.insertMarker(0, 500); });
+    row(
+        "marks gone", [](SliderSkin& slider) { slider.insertMarker(0, 500); },
+        [](SliderSkin& slider) { slider.clearMarkers(); });
+    row("disabled", nothing, [](SliderSkin& slider) { slider.setDisable(true); });
+    row("handle taken", nothing, press);
+    row("handle let go", press, [](SliderSkin& slider) {
+        QTest::mouseRelease(&slider, Qt::LeftButton, Qt::NoModifier, slider.handleRectangle().center());
+    });
+    row("background image", nothing, [](SliderSkin& slider) { slider.setBackgroundImage(QImage()); });
+    row("background", nothing, [](SliderSkin& slider) { slider.setBackgroundPixmap(QPixmap(10, 10)); });
+    row("alpha", nothing, [](SliderSkin& slider) { slider.setAlphaOverride(100); });
+}
+
+void TestSliderSkin::each_change_comes_to_the_screen()
+{
+    QFETCH(Change, before);
+    QFETCH(Change, change);
+    before(*m_slider);
+    PaintRecord painted(m_slider);
+    QVERIFY(painted.begin());
+    change(*m_slider);
+    QTRY_VERIFY(painted.covers_all());
 }
 
 void TestSliderSkin::the_alpha_override_fades_all_of_it()

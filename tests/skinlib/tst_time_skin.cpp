@@ -1,4 +1,4 @@
-#include "test_main.h"
+#include "paint_record.h"
 
 #include "skin_maker.h"
 #include "time_skin.h"
@@ -14,6 +14,7 @@ private slots:
     void seconds_become_text_data();
     void seconds_become_text();
     void it_shows_the_time_it_was_given();
+    void another_time_comes_to_the_screen();
     void it_takes_its_size_from_the_group_of_its_name();
     void without_a_skin_it_has_no_size();
     void the_text_has_the_skins_colour();
@@ -98,6 +99,15 @@ void TestTimeSkin::it_shows_the_time_it_was_given()
     QVERIFY(readout->grab().toImage() != before);
     readout->update_time(0);
     QCOMPARE(readout->grab().toImage(), before);
+}
+
+void TestTimeSkin::another_time_comes_to_the_screen()
+{
+    const auto readout = make(QStringLiteral("width = 60\nheight = 16\n"));
+    PaintRecord painted(readout.get());
+    QVERIFY(painted.begin());
+    readout->update_time(754);
+    QTRY_VERIFY(painted.covers_all());
 }
 
 void TestTimeSkin::it_takes_its_size_from_the_group_of_its_name()

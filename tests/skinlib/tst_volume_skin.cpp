@@ -1,7 +1,14 @@
-#include "test_main.h"
+#include "paint_record.h"
 
 #include "skin_maker.h"
 #include "volume_skin.h"
+
+namespace
+{
+
+using Change = std::function<void(VolumeSkin&)>;
+
+} // namespace
 
 class TestVolumeSkin : public QObject
 {
@@ -34,6 +41,8 @@ private slots:
 
     void the_bar_shows_the_volume();
     void muted_looks_different();
+    void each_change_comes_to_the_screen_data();
+    void each_change_comes_to_the_screen();
     void the_alpha_override_fades_all_of_it();
     void a_damaged_group_makes_no_trouble_data();
     void a_damaged_group_makes_no_trouble();
@@ -281,6 +290,31 @@ void TestVolumeSkin::muted_looks_different()
     QCOMPARE(color(10), QColor(Qt::red));
     QVERIFY(color(60) != QColor(Qt::yellow));
     QVERIFY(color(60) != QColor(Qt::darkGray));
+}
+
+void TestVolumeSkin::each_change_comes_to_the_screen_data()
+{
+    QTest::addColumn<Change>("change");
+    const auto row = [](const char* name, const Change& change) { QTest::newRow(name) << change; };
+    row("volume", [](VolumeSkin& volume) { volume.set_volumeValue(20); });
+    row("range", [](VolumeSkin& volume) { volume.set_volumeRange(0, 80, 1); });
+    row("mute", [](VolumeSkin& volume) { volume.set_mute(true); });
+    row("volume by the pointer", [](VolumeSkin& volume) {
+        QTest::mouseClick(&volume, Qt::LeftButton, Qt::NoModifier, volume.barRectangle().center());
+    });
+    row("mute by the pointer", [](VolumeSkin& volume) {
+        QTest::mouseClick(&volume, Qt::LeftButton, Qt::NoModifier, volume.muteRectangle().center());
+    });
+    row("volume by the wheel", [](VolumeSkin& volume) { turn_wheel(&volume, volume.barRectangle().center(), 120); });
+}
+
+void TestVolumeSkin::each_change_comes_to_the_screen()
+{
+    QFETCH(Change, change);
+    PaintRecord painted(m_volume);
+    QVERIFY(painted.begin());
+    change(*m_volume);
+    QTRY_VERIFY(painted.covers_all());
 }
 
 void TestVolumeSkin::the_alpha_override_fades_all_of_it()
