@@ -12,7 +12,7 @@
 
 /// Plays one film at a time and reports to a MediaCallback.
 ///
-/// All operations are called from one thread (the one that made the object) and return a status, 0 for success, unless
+/// All operations are called from one thread, whichever made the object, and return a status, 0 for success, unless
 /// they say otherwise. Each of them returns within a bounded time whatever the file or the disk does; the reports they
 /// lead to, their order and the bounds are the table in docs/engine.md. Calling an operation in a state in which it
 /// makes no sense is a non-zero status and changes nothing.

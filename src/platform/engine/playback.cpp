@@ -556,7 +556,7 @@ void Playback::move_to(Time position)
     // What was worked out may have been ahead by a little: then the film catches up. A film whose times jump back does
     // so.
     const Time ahead = m_position - position;
-    if (ahead >= 0 && ahead <= to_time(question_interval / 1.0s) * m_speed / 100 + steady_within)
+    if (ahead >= 0 && ahead <= question_interval.count() * m_speed / 100 + steady_within)
         return;
     m_position = position;
     report_time(position);

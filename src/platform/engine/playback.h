@@ -186,7 +186,7 @@ private:
     Film m_film;
     std::uint64_t m_last_id = 0; ///< ids of what the library was asked
     Time m_position = 0;
-    Deadline m_position_tick;      ///< while playing
+    Deadline m_position_tick;      ///< while playing, and while a film that is being loaded waits for its first frame
     bool m_position_asked = false; ///< the library owes an answer
     Time m_told_position = 0;      ///< the newest answer
     Clock::time_point m_told_at;
@@ -198,7 +198,7 @@ private:
 
     std::shared_ptr<Answer> m_load_answer;
     std::uint64_t m_load_id = 0;
-    std::int64_t m_entry = 0;   ///< the library's number of the film; 0 until it has told
+    std::int64_t m_entry = -1;  ///< the library's number of the film; -1 until it has told
     std::int64_t m_current = 0; ///< the number of what the library is at
     Deadline m_start_deadline;  ///< by then the library must have begun with the film
     Deadline m_load_deadline;

@@ -18,7 +18,7 @@ inline constexpr std::size_t most_subtitle_tracks = 8;
 
 /// Reads the files beside a film that carry its name and a subtitle suffix.
 ///
-/// Quick enough for the thread that opens a film. Any thread.
+/// Takes seconds where the files are large or the disk is slow; any thread but the one that draws.
 /// @param frame_rate the film's, for files that count frames; 0 when unknown
 /// @param cancelled looked at all the time: when it turns true the answer is what has been read by then.
 /// @return their tracks in a fixed order, as many as a film may have; files without a line are left out.
