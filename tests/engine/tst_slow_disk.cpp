@@ -178,6 +178,7 @@ private slots:
         QVERIFY(bench.runs_on(100));
         QCOMPARE(bench.player.get_info("container", "subtitle_streams"), QStringLiteral("1"));
         QVERIFY(!bench.player.get_subtitles(0));
+        QCOMPARE(slow_disk::held(), 1); // nobody has begun once more
         slow_disk::release();
         QVERIFY(ready.tryAcquire(1, 10000));
         QVERIFY(bench.player.get_subtitles(0));

@@ -50,55 +50,18 @@ public:
         VideoPlane::instance().set_resize_hook([playback = playback] { playback->redraw(); });
     }
 
-    /// What look_into() found; filled on another thread within the limit.
-    struct Findings {
-        MediaFile file;
-        std::optional<std::vector<SubtitleTrack>> beside; ///< nothing when they take long to read
-    };
-
-    static Findings look_into(const QByteArray& path, const MediaFile& known);
-    bool is_open() const { return file.status == rask::ok; }
     void forget_file();
 
     std::shared_ptr<Playback> playback; ///< null after release()
-    MediaFile file;
-    MediaFile last_file; ///< the one that was opened last, as it was found
+    MediaFile file;                     ///< the one that was opened last, as it was found
+    bool is_open = false;               ///< whether it still is
     std::unique_ptr<SubtitleStore> subtitles;
     std::shared_ptr<SubtitleStore::Hook> subtitles_ready = std::make_shared<SubtitleStore::Hook>();
 };
 
-/// @param known what was found before; a file that is still the same is not looked into again, only what is beside it.
-MediaPlayer::Private::Findings MediaPlayer::Private::look_into(const QByteArray& path, const MediaFile& known)
-{
-    const auto end = std::chrono::steady_clock::now() + open_limit;
-    Findings findings;
-    findings.file = MediaFile::look_within(path, open_limit, {}, &known);
-    if (findings.file.status != rask::ok)
-        return findings;
-
-    struct Shared {
-        std::atomic<bool> cancelled = false;
-        std::mutex mutex;
-        std::vector<SubtitleTrack> beside; ///< guarded by mutex
-    };
-    const auto shared = std::make_shared<Shared>();
-    BackgroundTask task([shared, film = QFile::decodeName(path), rate = findings.file.frame_rate()] {
-        std::vector<SubtitleTrack> beside = read_subtitle_files(film, rate, shared->cancelled);
-        const std::lock_guard lock(shared->mutex);
-        shared->beside = std::move(beside);
-    });
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-    if (task.wait_for(std::clamp(left, 0ms, beside_limit))) {
-        const std::lock_guard lock(shared->mutex);
-        findings.beside = std::move(shared->beside);
-    }
-    shared->cancelled = true;
-    return findings;
-}
-
 void MediaPlayer::Private::forget_file()
 {
-    file = {};
+    is_open = false;
     if (subtitles)
         subtitles->stop_reading();
 }
@@ -120,7 +83,7 @@ unsigned MediaPlayer::prepare(const char* file_name)
     if (!d->playback)
         return rask::wrong_state;
     const QByteArray path = absolute_path(file_name);
-    if (!d->is_open() || d->file.path != path) {
+    if (!d->is_open || d->file.path != path) {
         if (const unsigned status = MediaPlayer::open(file_name); status != rask::ok)
             return status;
     }
@@ -134,7 +97,7 @@ unsigned MediaPlayer::prepare(const char* file_name)
                                                .has_palette = d->file.has_palette,
                                                .lacks_index = d->file.lacks_index});
     if (status == rask::ok)
-        d->subtitles->read_rest(d->subtitles_ready);
+        d->subtitles->read_rest();
     return status;
 }
 
@@ -226,14 +189,18 @@ unsigned MediaPlayer::open(const char* file_name)
     if (!d->playback)
         return rask::wrong_state;
     MediaPlayer::close();
-    Private::Findings findings = Private::look_into(absolute_path(file_name), d->last_file);
+    const auto end = std::chrono::steady_clock::now() + open_limit;
+    MediaFile file = MediaFile::look_within(absolute_path(file_name), open_limit, {}, &d->file);
     d->subtitles.reset();
-    if (findings.file.status != rask::ok)
-        return findings.file.status;
-    d->file = std::move(findings.file);
-    d->last_file = d->file;
-    d->subtitles = std::make_unique<SubtitleStore>(SubtitleStore::Sources{
-        QFile::decodeName(d->file.path), d->file.frame_rate(), d->file.text_streams, std::move(findings.beside)});
+    if (file.status != rask::ok)
+        return file.status;
+    d->file = std::move(file);
+    d->is_open = true;
+    d->subtitles = std::make_unique<SubtitleStore>(
+        SubtitleStore::Sources{QFile::decodeName(d->file.path), d->file.frame_rate(), d->file.text_streams},
+        d->subtitles_ready);
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    d->subtitles->wait_for_beside(std::clamp(left, 0ms, beside_limit));
     d->file.infos[QStringLiteral("container")][QStringLiteral("subtitle_streams")] =
         QString::number(d->subtitles->count());
     return rask::ok;
@@ -241,17 +208,17 @@ unsigned MediaPlayer::open(const char* file_name)
 
 bool MediaPlayer::has_info(const char* group)
 {
-    return d->file.infos.contains(QString::fromUtf8(group));
+    return d->is_open && d->file.infos.contains(QString::fromUtf8(group));
 }
 
 QString MediaPlayer::get_info(const char* group, const char* item)
 {
-    return d->file.infos.value(QString::fromUtf8(group)).value(QString::fromUtf8(item));
+    return d->is_open ? d->file.infos.value(QString::fromUtf8(group)).value(QString::fromUtf8(item)) : QString();
 }
 
 const std::vector<Subtitle>* MediaPlayer::get_subtitles(unsigned track)
 {
-    return d->is_open() && d->subtitles ? d->subtitles->lines(track) : nullptr;
+    return d->is_open ? d->subtitles->lines(track) : nullptr;
 }
 
 unsigned MediaPlayer::query(int number, bool* answer)
@@ -268,7 +235,7 @@ unsigned MediaPlayer::set_option(int option, bool on)
         return rask::wrong_state;
     if (option != static_cast<int>(Option::DigitalOutput))
         return rask::out_of_range;
-    if (on && !(d->is_open() && d->file.compressed_sound && has_digital_output()))
+    if (on && !(d->is_open && d->file.compressed_sound && has_digital_output()))
         return rask::not_supported;
     return d->playback->set_digital_output(on);
 }

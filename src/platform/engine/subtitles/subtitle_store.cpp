@@ -18,53 +18,82 @@ void SubtitleStore::Hook::call()
 
 void SubtitleStore::Shared::put(std::size_t first, std::vector<SubtitleTrack> added)
 {
-    const std::lock_guard lock(mutex);
     for (std::size_t track = 0; track < added.size() && first + track < most_tracks; ++track)
         tracks[first + track] = std::move(added[track].lines);
 }
 
-SubtitleStore::SubtitleStore(Sources sources) : m_sources(std::move(sources)), m_shared(std::make_shared<Shared>())
+SubtitleStore::SubtitleStore(Sources sources, std::shared_ptr<Hook> ready)
+    : m_inside(static_cast<std::size_t>(sources.inside))
+    , m_shared(std::make_shared<Shared>())
+    , m_reader([shared = m_shared, sources = std::move(sources), ready = std::move(ready)] {
+        read(sources, *shared, *ready);
+    })
 {
-    const std::size_t beside = m_sources.beside ? m_sources.beside->size() : 1;
-    m_count = static_cast<int>(std::min(most_tracks, beside + static_cast<std::size_t>(m_sources.inside)));
-    if (m_sources.beside)
-        m_shared->put(0, std::exchange(*m_sources.beside, std::vector<SubtitleTrack>(beside)));
 }
 
 SubtitleStore::~SubtitleStore()
 {
-    m_shared->cancelled = true;
+    stop_reading();
     constexpr std::chrono::milliseconds limit(300);
     m_reader.wait_for(limit);
 }
 
-void SubtitleStore::read_rest(std::shared_ptr<Hook> ready)
+void SubtitleStore::wait_for_beside(std::chrono::milliseconds limit)
 {
-    const bool is_complete = m_sources.beside && (m_sources.inside == 0 || m_sources.beside->size() >= most_tracks);
-    if (m_reading || is_complete)
-        return;
-    m_reading = true;
-    m_reader = BackgroundTask(
-        [shared = m_shared, sources = m_sources, ready = std::move(ready)] { read(sources, *shared, *ready); });
+    std::unique_lock lock(m_shared->mutex);
+    m_shared->changed.wait_for(lock, limit, [this] { return m_shared->beside.has_value(); });
+    m_shared->beside_is_late = !m_shared->beside;
+}
+
+int SubtitleStore::count() const
+{
+    const std::lock_guard lock(m_shared->mutex);
+    return static_cast<int>(std::min(most_tracks, m_shared->beside.value_or(1) + m_inside));
+}
+
+void SubtitleStore::read_rest()
+{
+    const std::lock_guard lock(m_shared->mutex);
+    m_shared->rest_is_wanted = true;
+    m_shared->changed.notify_all();
+}
+
+void SubtitleStore::stop_reading()
+{
+    const std::lock_guard lock(m_shared->mutex);
+    m_shared->cancelled = true;
+    m_shared->changed.notify_all();
 }
 
 void SubtitleStore::read(const Sources& sources, Shared& shared, Hook& ready)
 {
-    std::size_t inside_from = sources.beside ? sources.beside->size() : 0;
-    if (!sources.beside) {
-        std::vector<SubtitleTrack> beside = read_subtitle_files(sources.film, sources.frame_rate, shared.cancelled);
+    std::vector<SubtitleTrack> beside = read_subtitle_files(sources.film, sources.frame_rate, shared.cancelled);
+    const std::size_t inside_from = beside.size();
+    const bool has_more = sources.inside > 0 && inside_from < most_tracks;
+    {
+        std::unique_lock lock(shared.mutex);
         if (shared.cancelled)
             return;
-        inside_from = beside.size();
         shared.put(0, std::move(beside));
-        ready.call();
+        shared.beside = inside_from;
+        shared.changed.notify_all();
+        if (!has_more && !shared.beside_is_late)
+            return;
+        shared.changed.wait(lock, [&shared] { return shared.rest_is_wanted || shared.cancelled; });
+        if (shared.cancelled)
+            return;
     }
-    if (sources.inside == 0 || inside_from >= most_tracks)
+    if (shared.beside_is_late) // nobody changes it any more
+        ready.call();
+    if (!has_more)
         return;
     std::vector<SubtitleTrack> inside = read_embedded_subtitles(sources.film, shared.cancelled);
-    if (shared.cancelled)
-        return;
-    shared.put(inside_from, std::move(inside));
+    {
+        const std::lock_guard lock(shared.mutex);
+        if (shared.cancelled)
+            return;
+        shared.put(inside_from, std::move(inside));
+    }
     ready.call();
 }
 

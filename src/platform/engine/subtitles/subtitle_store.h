@@ -5,8 +5,8 @@
 
 #include <QString>
 
-#include <algorithm>
 #include <array>
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -37,24 +37,27 @@ public:
         QString film;
         double frame_rate = 0; ///< for files that count frames; 0 when unknown
         int inside = 0;        ///< how many text streams the film has
-        /// The tracks of the files beside the film; nothing when those would have taken too long to read by now.
-        std::optional<std::vector<SubtitleTrack>> beside;
     };
 
-    explicit SubtitleStore(Sources sources);
+    /// Begins to read the files beside the film.
+    /// @param ready called when more has been read than wait_for_beside() waited for, but not before read_rest()
+    SubtitleStore(Sources sources, std::shared_ptr<Hook> ready);
     /// Stops reading.
     ~SubtitleStore();
     SubtitleStore(const SubtitleStore&) = delete;
     SubtitleStore& operator=(const SubtitleStore&) = delete;
 
-    /// How many tracks there are when everything has been read. What is still to be read beside the film counts as one.
-    int count() const { return m_count; }
+    /// Waits until the files beside the film have been read, which goes on when @p limit has passed.
+    void wait_for_beside(std::chrono::milliseconds limit);
 
-    /// Starts reading what has not been read yet, once; @p ready is called whenever there is more to hand over.
-    void read_rest(std::shared_ptr<Hook> ready);
+    /// How many tracks there are when everything has been read. What is still to be read beside the film counts as one.
+    int count() const;
+
+    /// What has not been read yet is read from now on.
+    void read_rest();
 
     /// Gives up what has not been read yet; the hook is not called any more. The lists stay.
-    void stop_reading() { m_shared->cancelled = true; }
+    void stop_reading();
 
     /// @return null while, or when, there is no such track
     const std::vector<Subtitle>* lines(unsigned track) const;
@@ -63,20 +66,21 @@ private:
     /// What the reading thread shares with the store; it may outlive it.
     struct Shared {
         std::atomic<bool> cancelled = false;
-        std::mutex mutex;
-        std::array<std::vector<Subtitle>, most_tracks>
-            tracks; ///< guarded by mutex; a list that is not empty never changes
+        std::mutex mutex; ///< guards what follows
+        std::condition_variable changed;
+        std::optional<std::size_t> beside; ///< how many tracks there are beside the film; nothing before they are read
+        bool beside_is_late = false;       ///< nobody waits for them any more
+        bool rest_is_wanted = false;
+        std::array<std::vector<Subtitle>, most_tracks> tracks; ///< a list that is not empty never changes
 
-        /// Puts tracks in the places from @p first on, as far as there are any.
+        /// Puts tracks in the places from @p first on, as far as there are any. The mutex must be held.
         void put(std::size_t first, std::vector<SubtitleTrack> added);
     };
 
-    /// Reads all that @p sources lack and fills @p shared; on the reading thread.
+    /// Reads all that there is and fills @p shared; on the reading thread.
     static void read(const Sources& sources, Shared& shared, Hook& ready);
 
-    Sources m_sources; ///< without the lists themselves
-    int m_count = 0;
-    bool m_reading = false;
-    std::shared_ptr<Shared> m_shared;
+    const std::size_t m_inside;
+    const std::shared_ptr<Shared> m_shared;
     BackgroundTask m_reader;
 };
