@@ -55,7 +55,7 @@ protected:
     /// Opens a list's file. @return null, said in one line, when there is no memory for it.
     static std::unique_ptr<Config> open_file(const QString& path);
 
-    /// The list's rows, which are all of the class @p Row; @p index must be one of them.
+    /// The row at @p index, null when there is none. All rows of the list are of the class @p Row.
     template<typename Row> Row* row(int index) const { return static_cast<Row*>(list_box_->item(index)); }
 
     /// Removes the row under the cursor. The cursor goes to the row that takes its place, or to the new last row; the

@@ -8,8 +8,10 @@ class MediaFile;
 /// The playlist: the panel, and in its rows the list itself with the entry that is now playing.
 ///
 /// The list is kept in "playlist.dat" in the directory of the lists. It is read by the constructor and written by
-/// save(), by save_now_playing() and by the destructor; each writing leaves the old or the new list whatever happens,
-/// and a list that cannot be written stays as it is in memory. Indexes count from 0. GUI thread only.
+/// save(), by save_now_playing() and by the destructor. The same file holds a note of its own, whether an entry is
+/// being started or played, which start_entry() and finish_entry() write and can_entry() reads. Each writing leaves the
+/// old or the new content whatever happens, and a list that cannot be written stays as it is in memory. Indexes count
+/// from 0. GUI thread only.
 class PlayListWidget : public ListPanel
 {
     Q_OBJECT

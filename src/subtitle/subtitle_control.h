@@ -11,7 +11,7 @@
 /// The subtitle line that belongs to the playing position, painted over the film.
 ///
 /// The engine's thread calls update() with each position; whoever owns the widget then has draw() called on the GUI
-/// thread when update() said so. Everything else is the GUI thread's.
+/// thread when update() said so. get_last_subtitle() is for any thread, too; everything else is the GUI thread's.
 class SubtitleControl : public OsdControl
 {
     Q_OBJECT

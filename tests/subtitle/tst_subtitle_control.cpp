@@ -64,7 +64,7 @@ QImage drawn(const SubtitleControl& like, int alignment, const QString& text)
     return shown(overlay);
 }
 
-/// The line as the text says it, without any shortcut.
+/// Chooses lines by a plain search, without any shortcut.
 class PlainDisplay
 {
 public:
