@@ -9,8 +9,6 @@ namespace
 
 constexpr int gap_between_copies = 60;
 
-const QColor text_colour(255, 255, 255);
-
 /// The character @p value places behind '0'; a digit up to 9.
 QChar digit(unsigned int value)
 {

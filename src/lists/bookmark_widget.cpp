@@ -17,16 +17,11 @@ constexpr int elements_per_row = 2; ///< of the list in the file: path, seconds
 constexpr QRect title_box(0, 0, 124, 26);
 constexpr QRect time_box(QPoint(124, 0), QPoint(191, 25));
 
-struct ButtonAction {
-    const char* name;
-    void (BookmarkWidget::*action)();
-};
-
 constexpr std::array button_actions = {
-    ButtonAction{"up", &BookmarkWidget::move_up},
-    ButtonAction{"down", &BookmarkWidget::move_down},
-    ButtonAction{"minus", &BookmarkWidget::remove_track},
-    ButtonAction{"close", &BookmarkWidget::close_signal},
+    ButtonAction<BookmarkWidget>{"up", &BookmarkWidget::move_up},
+    ButtonAction<BookmarkWidget>{"down", &BookmarkWidget::move_down},
+    ButtonAction<BookmarkWidget>{"minus", &BookmarkWidget::remove_track},
+    ButtonAction<BookmarkWidget>{"close", &BookmarkWidget::close_signal},
 };
 
 } // namespace
@@ -58,26 +53,19 @@ void BookmarkWidget::drawTitle(QPainter* painter)
 
 void BookmarkWidget::get_listboxitem_slot(ListBoxSkinItem* item)
 {
-    if (item)
+    if (is_row(item))
         emit selected_file(item->text());
-    else
-        qWarning("File Error\n");
 }
 
 void BookmarkWidget::get_listboxitemplay_slot(ListBoxSkinItem* item)
 {
-    if (item)
+    if (is_row(item))
         emit selected_file_play(item->text(), static_cast<Bookmark*>(item)->time() * ms_per_second);
-    else
-        qWarning("File Error\n");
 }
 
 void BookmarkWidget::button_event(const QObject* /*sender*/, QString name)
 {
-    for (const ButtonAction& row : button_actions) {
-        if (name == QLatin1String(row.name))
-            (this->*row.action)();
-    }
+    act_on_button(this, button_actions, name);
 }
 
 void BookmarkWidget::update_scroll_text()

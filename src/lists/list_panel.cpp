@@ -104,6 +104,13 @@ void ListPanel::redrawImage(QImage& image, int x, int y)
     image = composed;
 }
 
+bool ListPanel::is_row(const ListBoxSkinItem* item)
+{
+    if (!item)
+        qWarning("File Error\n");
+    return item != nullptr;
+}
+
 QString ListPanel::data_directory() const
 {
     return QPEApplication::qpeDir() + QStringLiteral("etc/") + window()->objectName();

@@ -6,10 +6,17 @@
 #include <QSignalBlocker>
 #include <QTimer>
 
+#include <array>
 #include <memory>
 
 class Config;
 class ListRow;
+
+/// What a button of the skin does in a panel of the class @p Panel; each panel has a table of these.
+template<typename Panel> struct ButtonAction {
+    const char* name;
+    void (Panel::*action)();
+};
 
 /// What the playlist panel and the bookmark panel have in common: a skinned panel that carries a list box, fades
 /// together with it, lets a long name run through the current row, and hands the list's events on to the main window.
@@ -50,6 +57,13 @@ protected:
     /// The timer of the running name. It ticks while the panel is visible.
     QTimer* marquee_timer() { return &marquee_timer_; }
 
+    /// Does on @p panel what @p actions says for the button @p name; nothing for a name that is not there.
+    template<typename Panel, std::size_t Count>
+    static void act_on_button(Panel* panel, const std::array<ButtonAction<Panel>, Count>& actions, const QString& name);
+
+    /// Whether the list box told of a row; says in one line when it did not.
+    static bool is_row(const ListBoxSkinItem* item);
+
     /// The directory that holds the lists' files: "etc/" of the device's tree and the name of the main window.
     QString data_directory() const;
     /// Opens a list's file. @return null, said in one line, when there is no memory for it.
@@ -83,6 +97,15 @@ private:
     std::unique_ptr<ListBoxSkin> list_box_;
     QTimer marquee_timer_{this};
 };
+
+template<typename Panel, std::size_t Count>
+void ListPanel::act_on_button(Panel* panel, const std::array<ButtonAction<Panel>, Count>& actions, const QString& name)
+{
+    for (const ButtonAction<Panel>& row : actions) {
+        if (name == QLatin1String(row.name))
+            (panel->*row.action)();
+    }
+}
 
 template<typename Row> void ListPanel::remove_cursor_row()
 {

@@ -2,6 +2,8 @@
 
 #include "list_box_skin_text.h"
 
+#include <QColor>
+
 /// What the rows of the playlist and of the bookmark list have in common: a file, a number and a file name that runs
 /// through its line while the row is current and the name is too long. The row's text is the file's full path. GUI
 /// thread only.
@@ -26,6 +28,9 @@ public:
     void set_scroll_offset(int offset) { scroll_offset_ = offset; }
 
 protected:
+    /// Colour of the row's texts.
+    static constexpr QColor text_colour{255, 255, 255};
+
     void set_display_name();
 
     /// Brings the name back to rest when the row has become current. To be called once for each painting.

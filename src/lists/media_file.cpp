@@ -9,7 +9,6 @@ namespace
 
 constexpr int gap_between_copies = 30;
 
-const QColor text_colour(255, 255, 255);
 const QColor now_playing_colour(255, 102, 0);
 
 } // namespace

@@ -18,17 +18,12 @@ constexpr QPoint title_position(13, 8); ///< left edge, and what stands above th
 constexpr int entry_is_open = 1;        ///< value of the crash guard while an entry is started or played
 constexpr int entry_is_closed = 0;
 
-struct ButtonAction {
-    const char* name;
-    void (PlayListWidget::*action)();
-};
-
 constexpr std::array button_actions = {
-    ButtonAction{"up", &PlayListWidget::move_up},
-    ButtonAction{"down", &PlayListWidget::move_down},
-    ButtonAction{"add", &PlayListWidget::open_playlist_browser},
-    ButtonAction{"minus", &PlayListWidget::remove_track},
-    ButtonAction{"close", &PlayListWidget::close_signal},
+    ButtonAction<PlayListWidget>{"up", &PlayListWidget::move_up},
+    ButtonAction<PlayListWidget>{"down", &PlayListWidget::move_down},
+    ButtonAction<PlayListWidget>{"add", &PlayListWidget::open_playlist_browser},
+    ButtonAction<PlayListWidget>{"minus", &PlayListWidget::remove_track},
+    ButtonAction<PlayListWidget>{"close", &PlayListWidget::close_signal},
 };
 
 } // namespace
@@ -81,26 +76,19 @@ void PlayListWidget::drawTitle(QPainter* painter)
 
 void PlayListWidget::get_listboxitem_slot(ListBoxSkinItem* item)
 {
-    if (item)
+    if (is_row(item))
         emit selected_file(list_box()->index(item), 0);
-    else
-        qWarning("File Error\n");
 }
 
 void PlayListWidget::get_listboxitemplay_slot(ListBoxSkinItem* item)
 {
-    if (item)
+    if (is_row(item))
         emit selected_file_play(list_box()->index(item), 0);
-    else
-        qWarning("File Error\n");
 }
 
 void PlayListWidget::button_event(const QObject* /*sender*/, QString name)
 {
-    for (const ButtonAction& row : button_actions) {
-        if (name == QLatin1String(row.name))
-            (this->*row.action)();
-    }
+    act_on_button(this, button_actions, name);
 }
 
 void PlayListWidget::update_scroll_text()
