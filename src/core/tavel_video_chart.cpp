@@ -1017,14 +1017,18 @@ void TavelVideo::enter_seeking()
 /// The state reached need not be the one that was left: brings engine and buttons in line with it.
 void TavelVideo::settle_after_seek()
 {
+    const Time target = clamped(seek_request_.target_ms);
     // A film that rests reports no position by itself.
-    position_ = clamped(seek_request_.target_ms);
-    time_bar_->set_slidervalue(static_cast<unsigned int>(position_ / 1000));
+    position_ = target;
+    time_bar_->set_slidervalue(static_cast<unsigned int>(target / 1000));
     if (isIn(&TavelVideo::pause_state)) {
         media_player_->pause();
         show_play_button();
     } else if (isIn(&TavelVideo::play_state)) {
-        media_player_->play();
+        // The report of the end follows; to play on there is to play the film anew.
+        const Time length = total_ms_;
+        if (length <= 0 || target < length)
+            media_player_->play();
         show_pause_button();
     }
 }

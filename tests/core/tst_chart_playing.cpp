@@ -230,6 +230,36 @@ private slots:
         QVERIFY(player->in(&TavelVideo::no_file_state));
     }
 
+    void a_seek_to_the_end_does_not_play_the_film_anew_data()
+    {
+        QTest::addColumn<Time>("target");
+        QTest::newRow("the end") << Time(10000);
+        QTest::newRow("past the end") << Time(60000);
+    }
+    void a_seek_to_the_end_does_not_play_the_film_anew()
+    {
+        QFETCH(Time, target);
+        player->play_a_film();
+        player->combo("playback_combo_next_action")->setCurrentIndex(2);
+        player->seek_to(target);
+        QTRY_VERIFY(player->in(&TavelVideo::stop_state));
+        player->settle();
+        QCOMPARE(player->log_of({"seek", "play"}), QStringList(QStringLiteral("seek 3 10000")));
+    }
+
+    void after_a_seek_a_film_of_unknown_length_plays_on()
+    {
+        scripted_engine::set_info(QStringLiteral("video"), QStringLiteral("time"), QString());
+        player->play_a_film();
+        scripted_engine::set_automatic_reports(false);
+        player->seek_to(5000);
+        player->settle();
+        scripted_engine::report_stream(StreamType::Film, StreamState::Started);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::play_state));
+        QCOMPARE(player->log_of({"seek", "play"}), QStringList({"seek 3 5000", "play"}));
+    }
+
     void after_a_seek_while_playing_a_seek_while_paused_returns_to_play()
     {
         player->play_a_film();

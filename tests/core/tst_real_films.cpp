@@ -116,11 +116,18 @@ private slots:
         QVERIFY(window->position() < 30000);
     }
 
+    void the_end_of_one_film_is_the_beginning_of_the_next_data()
+    {
+        QTest::addColumn<unsigned int>("second");
+        QTest::newRow("before the end") << 5U;
+        QTest::newRow("past the end") << 600U;
+    }
     void the_end_of_one_film_is_the_beginning_of_the_next()
     {
+        QFETCH(unsigned int, second);
         play({test_films::path("h264.mkv"), test_films::path("mpeg4.avi")});
         QCOMPARE(playlist()->get_now_playing(), 0);
-        window->seek_event(5);
+        window->seek_event(second);
         QTRY_COMPARE_WITH_TIMEOUT(playlist()->get_now_playing(), 1, 20000);
         QTRY_VERIFY_WITH_TIMEOUT(in(&TavelVideo::play_state) && window->position() > 200, 20000);
         QVERIFY(window->position() < 4000);
