@@ -1022,13 +1022,15 @@ void TavelVideo::settle_after_seek()
     position_ = target;
     time_bar_->set_slidervalue(static_cast<unsigned int>(target / 1000));
     if (isIn(&TavelVideo::pause_state)) {
-        media_player_->pause();
+        if (media_player_->pause() != rask::ok)
+            post_failure();
         show_play_button();
     } else if (isIn(&TavelVideo::play_state)) {
         // The report of the end follows; to play on there is to play the film anew.
         const Time length = total_ms_;
-        if (length <= 0 || target < length)
-            media_player_->play();
+        const bool at_end = length > 0 && target >= length;
+        if (!at_end && media_player_->play() != rask::ok)
+            post_failure();
         show_pause_button();
     }
 }

@@ -90,6 +90,8 @@ private slots:
         QTest::newRow("play after a pause") << "play" << QList<int>{2000, 2001} << 2000 << false;
         QTest::newRow("seek") << "seek" << QList<int>{2000} << 2003 << false;
         QTest::newRow("seek while paused") << "seek" << QList<int>{2000, 2001} << 2003 << false;
+        QTest::newRow("play after a seek") << "play" << QList<int>{2000} << 2003 << false;
+        QTest::newRow("pause after a seek while paused") << "pause" << QList<int>{2000, 2001} << 2003 << false;
         QTest::newRow("scan forward") << "scan_forward" << QList<int>{2000} << 2015 << true;
         QTest::newRow("scan back") << "scan_backward" << QList<int>{2000} << 2016 << true;
         QTest::newRow("play after a scan") << "play" << QList<int>{2000, 2015} << 2000 << true;
