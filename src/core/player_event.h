@@ -10,8 +10,8 @@ namespace player_event
 
 /// Numbers of the custom events; 1000 to 1003 are the state machine's own.
 enum Number : int {
-    play = 2000,              ///< play or resume
-    pause = 2001,             ///< hold the picture
+    play = 2000,              ///< play or resume; carries a LoadNumber when it only ends the wait for others
+    pause = 2001,             ///< hold the picture; carries a ForNavigation, or nothing for the viewer
     stop = 2002,              ///< stop, the file stays chosen; carries a KeepPlace, or nothing for the beginning
     seek = 2003,              ///< carries a SeekRequest
     open_browser = 2004,      ///< show the file manager
@@ -54,6 +54,10 @@ enum Number : int {
     engine_prepared = 3007,   ///< the first frame can be shown
     wait_for_players = 3009,  ///< ask again whether the other players are silent; carries a LoadNumber
     taken_by_name = 3010,     ///< of buttons taken by name; "pagedown" without seeking posts it, nobody acts on it
+};
+
+/// The value of an event 2001 that the navigation program asked for: its own wish to go on takes it back.
+struct ForNavigation {
 };
 
 /// The value of an event 2002 after which the film is to go on from where it was stopped.

@@ -256,6 +256,7 @@ private:
     void exit_speed_playing();
     bool resume_from_scan();
     void keep_for_later(const QEvent* e);
+    void take_back_kept_pause();
     void post_kept();
     void enter_seeking();
     void settle_after_seek();

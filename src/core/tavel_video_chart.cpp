@@ -324,9 +324,12 @@ TavelVideo::State TavelVideo::file_loaded_state(const QEvent* e)
         wait_for_players(dynamic_cast<const QCustomEvent*>(e));
         return State();
     case player_event::start_loaded:
-        post(player_event::play);
+        post_custom_event(this, player_event::play, player_event::LoadNumber{load_number_});
         return State();
     case player_event::play:
+        // A wish to play takes back what was asked for before; that the wait is over is no such wish.
+        if (!data_of<player_event::LoadNumber>(e))
+            kept_.clear();
         if (!load_movie()) {
             static Tran tran;
             go(&tran, &TavelVideo::stop_state);
@@ -570,7 +573,6 @@ TavelVideo::State TavelVideo::seeking_state(const QEvent* e)
         return State();
     case player_event::play:
         start_position_ms_ = static_cast<unsigned int>(clamped(seek_request_.target_ms));
-        kept_.clear();
         break;
     default:
         break;
@@ -999,6 +1001,15 @@ void TavelVideo::keep_for_later(const QEvent* e)
     if (static_cast<int>(e->type()) == player_event::seek)
         std::erase_if(kept_, [](const auto& each) { return static_cast<int>(each->type()) == player_event::seek; });
     kept_.emplace_back(event->clone());
+}
+
+/// Forgets a pause that the navigation program asked for and that is still kept, and answers it.
+void TavelVideo::take_back_kept_pause()
+{
+    const auto kept_before = kept_.size();
+    std::erase_if(kept_, [](const auto& each) { return each->template data<player_event::ForNavigation>(); });
+    if (kept_.size() != kept_before)
+        answer_socket();
 }
 
 void TavelVideo::post_kept()

@@ -211,7 +211,7 @@ void TavelVideo::pause_for_navigation()
     take_notice_down();
     if (!isIn(&TavelVideo::stop_state) && !isIn(&TavelVideo::no_file_state) && !isIn(&TavelVideo::pause_state)) {
         already_paused_ = false;
-        post(player_event::pause);
+        post_custom_event(this, player_event::pause, player_event::ForNavigation{});
         reply_owed_ = true;
         qApp->processEvents();
         answer_if_nothing_plays();
@@ -239,6 +239,7 @@ void TavelVideo::resume_for_navigation()
         qApp->processEvents();
         return;
     }
+    take_back_kept_pause();
     bool busy = true;
     if (media_player_ && media_player_->query(static_cast<int>(Query::Busy), &busy) == rask::ok && !busy)
         send_ok();

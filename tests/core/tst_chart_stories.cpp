@@ -357,6 +357,86 @@ private slots:
         plays_to_its_end();
     }
 
+    void play_during_the_wait_takes_back_what_was_asked_for_before_data()
+    {
+        QTest::addColumn<int>("request");
+        QTest::newRow("pause") << 2001;
+        QTest::newRow("stop") << 2002;
+    }
+    void play_during_the_wait_takes_back_what_was_asked_for_before()
+    {
+        QFETCH(int, request);
+        start(1);
+        QTcpSocket peer;
+        wait_with_peer(peer);
+        player->post(request);
+        player->settle();
+        player->click(Qt::Key_Return);
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        player->settle();
+        plays_to_its_end();
+    }
+
+    void a_resume_takes_the_pause_back_that_waits_for_the_film_data()
+    {
+        QTest::addColumn<QByteArray>("pause");
+        QTest::addColumn<QByteArray>("resume");
+        QTest::newRow("navigation") << QByteArray("PAUSE\n") << QByteArray("RESUME\n");
+        QTest::newRow("sound") << QByteArray("AUDIO_PAUSE\n") << QByteArray("AUDIO_RESUME\n");
+        QTest::newRow("asked twice") << QByteArray("PAUSE\nPAUSE\n") << QByteArray("RESUME\n");
+    }
+    void a_resume_takes_the_pause_back_that_waits_for_the_film()
+    {
+        QFETCH(QByteArray, pause);
+        QFETCH(QByteArray, resume);
+        start(1);
+        QTcpSocket peer;
+        wait_with_peer(peer);
+        say(peer, pause + resume + "OK\n");
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        player->settle();
+        plays_to_its_end();
+    }
+
+    void a_resume_leaves_the_viewers_own_pause()
+    {
+        start(1);
+        QTcpSocket peer;
+        wait_with_peer(peer);
+        player->post(player_event::pause);
+        player->settle();
+        say(peer, "PAUSE\nRESUME\nOK\n");
+        QTRY_VERIFY(player->in(&TavelVideo::pause_state));
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::pause_state));
+    }
+
+    void a_resume_during_a_seek_takes_the_pause_back_and_is_answered_once()
+    {
+        start(1);
+        QTcpSocket peer;
+        wait_with_peer(peer);
+        QByteArray heard;
+        connect(&peer, &QTcpSocket::readyRead, &peer, [&] { heard += peer.readAll(); });
+        QTRY_VERIFY((heard += peer.readAll()).contains("STOP\n"));
+        say(peer, "OK\n");
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        player->settle();
+        scripted_engine::set_automatic_reports(false);
+        player->post(player_event::seek, seek_request(5000));
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::seeking_state));
+        heard.clear();
+        say(peer, "PAUSE\nRESUME\n");
+        QTRY_COMPARE(heard, QByteArray("OK\n"));
+        scripted_engine::set_automatic_reports(true);
+        scripted_engine::report_stream(StreamType::Film, StreamState::Started);
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        player->settle();
+        QCOMPARE(heard, QByteArray("OK\n"));
+        plays_to_its_end();
+    }
+
     // ---- the crash guard
 
     void a_film_over_which_the_player_died_is_set_aside_once()
@@ -613,6 +693,12 @@ private:
         player->settle();
         QVERIFY(!player->in(&TavelVideo::streaming_state));
         QVERIFY(player->loading()->isVisible());
+    }
+
+    static void say(QTcpSocket& peer, const QByteArray& text)
+    {
+        peer.write(text);
+        peer.flush();
     }
 
     QTemporaryDir directory;
