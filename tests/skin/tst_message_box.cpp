@@ -1,7 +1,7 @@
 #include "device_screen.h"
 #include "message_box.h"
-#include "paint_record.h"
 #include "tavel_message_box.h"
+#include "test_main.h"
 
 namespace
 {
@@ -163,26 +163,6 @@ private slots:
         QCOMPARE(second_result, 0);
         QCOMPARE(text_on_screen, QString("a second notice that is longer than the first"));
         QVERIFY(remaining > 1500000);
-    }
-
-    void second_notice_of_the_same_size_comes_to_the_screen()
-    {
-        DeviceScreen::instance()->show();
-        box->set_display_time(1000000);
-        box->setText("112");
-        bool painted_at_all = false;
-        bool painted_again = false;
-        while_shown(*box, [&] {
-            PaintRecord painted(box.get());
-            painted_at_all = painted.begin();
-            box->setText("211");
-            box->exec();
-            painted_again = QTest::qWaitFor([&] { return painted.covers_all(); }, test_support::stretched(5000));
-            box->stop();
-        });
-        QCOMPARE(box->exec(), 0);
-        QVERIFY(painted_at_all);
-        QVERIFY(painted_again);
     }
 
     void any_key_takes_it_down_data()
