@@ -20,7 +20,7 @@ QString device_dictionary_program()
     return QStringLiteral("/opt/Qtopia/bin/glossa");
 }
 
-QString& dictionary_program()
+QString& dictionary_program_path()
 {
     static QString path = device_dictionary_program();
     return path;
@@ -55,9 +55,14 @@ bool TitleSkin::hasDicSupport() const
     return QFile::exists(dictionary_program());
 }
 
+QString TitleSkin::dictionary_program()
+{
+    return dictionary_program_path();
+}
+
 void TitleSkin::set_dictionary_program(const QString& path)
 {
-    dictionary_program() = path.isEmpty() ? device_dictionary_program() : path;
+    dictionary_program_path() = path.isEmpty() ? device_dictionary_program() : path;
 }
 
 void TitleSkin::set_filename(const QString& name)

@@ -43,6 +43,8 @@ public:
     bool is_scrolling() const { return scroll_timer_.isActive(); }
     int label_width() const { return label_width_; }
 
+    /// The program that hasDicSupport() looks for.
+    static QString dictionary_program();
     /// Tests look for the dictionary program elsewhere; an empty path restores the device's.
     static void set_dictionary_program(const QString& path);
 
