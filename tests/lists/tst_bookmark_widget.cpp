@@ -4,6 +4,7 @@
 #include "device_font.h"
 #include "list_box_skin.h"
 #include "lists_fixture.h"
+#include "paint_record.h"
 #include "qpe_application.h"
 #include "test_main.h"
 
@@ -50,6 +51,7 @@ private slots:
     void the_list_stands_where_the_layout_says();
     void a_long_name_runs_while_its_row_is_current();
     void a_name_of_114_pixels_never_runs_and_one_of_115_does();
+    void a_step_of_the_running_name_repaints_its_row();
     void both_titles_are_centred_in_their_boxes();
     void the_titles_fade_with_the_panel();
     void the_list_s_background_fades_with_the_panel();
@@ -481,6 +483,19 @@ void TestBookmarkWidget::a_name_of_114_pixels_never_runs_and_one_of_115_does()
         panel_->update_scroll_text();
         QCOMPARE(row(list()->currentItem())->scroll_offset(), offset);
     }
+}
+
+void TestBookmarkWidget::a_step_of_the_running_name_repaints_its_row()
+{
+    panel_->add_track(QStringLiteral("/a.avi"), 0);
+    panel_->add_track(u'/' + QString(60, QLatin1Char('W')), 0);
+    list()->setCurrentItem(1);
+    show();
+    panel_->findChild<QTimer*>(QStringLiteral("marquee"))->stop();
+    PaintRecord record(list());
+    QVERIFY(record.begin());
+    panel_->update_scroll_text();
+    QTRY_VERIFY(record.covers(list()->itemRect(row(1))));
 }
 
 void TestBookmarkWidget::both_titles_are_centred_in_their_boxes()

@@ -2,6 +2,7 @@
 #include "list_box_skin.h"
 #include "lists_fixture.h"
 #include "media_file.h"
+#include "paint_record.h"
 #include "play_list_widget.h"
 #include "qpe_application.h"
 #include "test_main.h"
@@ -32,6 +33,8 @@ private slots:
     void a_long_name_runs_while_its_row_is_current();
     void a_name_that_fits_its_line_never_runs();
     void nothing_runs_in_an_empty_list_or_a_hidden_panel();
+    void a_step_of_the_running_name_repaints_its_row();
+    void a_row_that_is_marked_or_loses_the_mark_is_repainted();
 
     void the_title_is_white_and_stands_in_its_place();
     void the_title_fades_with_the_panel();
@@ -271,6 +274,38 @@ void TestPlayListWidget::nothing_runs_in_an_empty_list_or_a_hidden_panel()
     QVERIFY(timer->isActive());
     panel_->hide();
     QVERIFY(!timer->isActive());
+}
+
+void TestPlayListWidget::a_step_of_the_running_name_repaints_its_row()
+{
+    panel_->add_track(QStringLiteral("/a.avi"));
+    panel_->add_track(long_name);
+    panel_->set_current_index(1);
+    show();
+    panel_->findChild<QTimer*>(QStringLiteral("marquee"))->stop();
+    PaintRecord record(list());
+    QVERIFY(record.begin());
+    panel_->update_scroll_text();
+    QTRY_VERIFY(record.covers(list()->itemRect(row(1))));
+}
+
+void TestPlayListWidget::a_row_that_is_marked_or_loses_the_mark_is_repainted()
+{
+    for (const char* name : {"/a.avi", "/b.avi", "/c.avi"})
+        panel_->add_track(QString::fromLatin1(name));
+    panel_->set_now_playing(1);
+    show();
+    panel_->findChild<QTimer*>(QStringLiteral("marquee"))->stop();
+    PaintRecord record(list());
+    QVERIFY(record.begin());
+    panel_->update_now_playing(true);
+    QTRY_VERIFY(record.covers(list()->itemRect(row(1))));
+    QVERIFY(record.begin());
+    panel_->set_now_playing(2);
+    QTRY_VERIFY(record.covers(list()->itemRect(row(1))) && record.covers(list()->itemRect(row(2))));
+    QVERIFY(record.begin());
+    panel_->update_now_playing(false);
+    QTRY_VERIFY(record.covers(list()->itemRect(row(2))));
 }
 
 void TestPlayListWidget::the_title_is_white_and_stands_in_its_place()
