@@ -234,27 +234,13 @@ private slots:
 
     void another_subtitle_track_is_a_subtitle_change()
     {
-        OpenFilm film(QStringLiteral("1"), QStringLiteral("2"));
-        const auto settings = make_settings();
-        settings->set_player(film.player());
-        settings->save_settings();
-        choose(*settings, "subtitle_combo_track", QStringLiteral("2"));
-        const Listener listener(*settings);
-        settings->close();
-        QCOMPARE(listener.news, QStringList({"2006", "2203", "2204"}));
+        QCOMPARE(news_of_a_close_with_another("subtitle_combo_track"), QStringList({"2006", "2203", "2204"}));
         QCOMPARE(stored("subtitle", "track"), 1);
     }
 
     void another_audio_track_is_no_change_of_the_close()
     {
-        OpenFilm film(QStringLiteral("2"), QStringLiteral("0"));
-        const auto settings = make_settings();
-        settings->set_player(film.player());
-        settings->save_settings();
-        choose(*settings, "sound_combo_audiotrack", QStringLiteral("2"));
-        const Listener listener(*settings);
-        settings->close();
-        QCOMPARE(listener.news, QStringList({"2006", "2204"}));
+        QCOMPARE(news_of_a_close_with_another("sound_combo_audiotrack"), QStringList({"2006", "2204"}));
         QCOMPARE(stored("audio", "track"), 1);
     }
 
@@ -617,6 +603,8 @@ private slots:
         choose(*settings, "subtitle_combo_size", size);
         choose(*settings, "subtitle_combo_color", QStringLiteral("Green"));
         emit control<QComboBox>(*settings, "subtitle_combo_size")->activated(0);
+        QCOMPARE(preview_of(*settings)->font().family().toLower(), QStringLiteral("v28"));
+        QCOMPARE(preview_of(*settings)->font().weight(), QFont::Normal);
         QCOMPARE(preview_of(*settings)->font().pixelSize(), points);
         settings->draw_subtitles(1500);
         const QImage drawn = preview_of(*settings)->background_pixmap().toImage();
@@ -828,6 +816,19 @@ private slots:
     }
 
 private:
+    /// What closing reports when the second track was chosen in the list @p combo.
+    static QStringList news_of_a_close_with_another(const char* combo)
+    {
+        OpenFilm film(QStringLiteral("2"), QStringLiteral("2"));
+        const auto settings = make_settings();
+        settings->set_player(film.player());
+        settings->save_settings();
+        choose(*settings, combo, QStringLiteral("2"));
+        const Listener listener(*settings);
+        settings->close();
+        return listener.news;
+    }
+
     static QStringList information(const SettingWidget& settings)
     {
         QStringList lines;
