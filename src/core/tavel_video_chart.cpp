@@ -165,6 +165,7 @@ TavelVideo::State TavelVideo::video_player_state(const QEvent* e)
         DeviceScreen::instance()->raise_window(settings_);
         DeviceScreen::instance()->activate(settings_);
         settings_->setFocus();
+        settings_->draw_subtitles(position_);
         settings_open_ = true;
         return State();
     case player_event::settings_closed:

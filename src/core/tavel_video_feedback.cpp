@@ -14,6 +14,7 @@
 #include "title_skin.h"
 
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -199,8 +200,11 @@ void TavelVideo::select_subtitles()
     // First, or the engine's thread could choose a line of the new list by the old shift.
     subtitle_->set_offset(settings_->get_time_adjust());
     subtitle_->set_subtitle(list);
-    has_subtitles_ = list && !list->empty();
+    const bool had_none = !std::exchange(has_subtitles_, list && !list->empty());
     update_dictionary_button();
+    // What has been read only now is to be seen in the settings, too.
+    if (had_none && has_subtitles_)
+        settings_->refresh_subtitle();
 }
 
 void TavelVideo::reload_subtitles()
@@ -208,6 +212,7 @@ void TavelVideo::reload_subtitles()
     select_subtitles();
     subtitle_->update(position_);
     update_subtitles();
+    settings_->draw_subtitles(position_);
 }
 
 /// After a jump: takes the list anew, since a line that was shown before would not be shown again, and draws.
@@ -216,6 +221,7 @@ void TavelVideo::show_subtitle_due()
     select_subtitles();
     subtitle_->update(position_);
     redraw_subtitles();
+    settings_->draw_subtitles(position_);
 }
 
 void TavelVideo::close_subtitles()

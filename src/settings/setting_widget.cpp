@@ -57,7 +57,7 @@ SettingWidget::SettingWidget(QWidget* parent, const char* name, unsigned int fla
     if (!load_settings())
         load_default_settings();
     refresh_subtitle();
-    update_subtitles(0);
+    dress_preview();
 }
 
 void SettingWidget::init_string_table()
@@ -144,8 +144,10 @@ void SettingWidget::keyPressEvent(QKeyEvent* event)
 void SettingWidget::showEvent(QShowEvent* event)
 {
     SettingBase::showEvent(event);
+    // The film has gone on since the dialog was closed.
+    time_.reset();
     place_preview();
-    update_subtitles(0);
+    dress_preview();
 }
 
 void SettingWidget::place_preview()
@@ -153,6 +155,8 @@ void SettingWidget::place_preview()
     preview_->setGeometry(picture_rectangle());
     preview_->setVisible(picture_visible());
     preview_->raise();
+    // While it was hidden it did not follow the film.
+    show_line();
 }
 
 void SettingWidget::update_red(int value)
@@ -184,7 +188,9 @@ void SettingWidget::subtitle_track_activated(int index)
 {
     std::printf("Subtitle Track activated: %d\n", index);
     store_track("subtitle", subtitle_combo_track);
-    refresh_subtitle();
+    if (choose_list())
+        send_change(ChangeCode::SubtitlesChanged);
+    show_line();
 }
 
 void SettingWidget::set_player(MediaPlayer* player)
@@ -229,21 +235,45 @@ void SettingWidget::set_playing(bool playing)
 
 void SettingWidget::refresh_subtitle()
 {
+    time_.reset();
+    if (choose_list())
+        send_change(ChangeCode::SubtitlesChanged);
+    show_line();
+}
+
+/// Takes the chosen track's list from the engine.
+/// @return whether it is another one than before.
+bool SettingWidget::choose_list()
+{
     const int track = subtitle_combo_track->currentIndex();
     const bool there_is_one =
         player_ != nullptr && subtitle_combo_track->isEnabled() && track >= 0 && track < engine_subtitle_tracks;
     const std::vector<Subtitle>* list =
         there_is_one ? player_->get_subtitles(static_cast<unsigned int>(track)) : nullptr;
-    preview_->set_subtitle(list);
-    preview_->draw();
-    // Reported only when it is another list: the receiver refreshes the preview in its turn.
-    if (list == reported_list_)
-        return;
-    reported_list_ = list;
-    send_change(ChangeCode::SubtitlesChanged);
+    return std::exchange(list_, list) != list;
+}
+
+/// Shows the line that is due in the list, or none.
+void SettingWidget::show_line()
+{
+    // Given the list anew, since a line that was shown before would not be shown again.
+    preview_->set_subtitle(list_);
+    if (time_)
+        preview_->update(*time_);
+    if (get_subtitle_on())
+        preview_->draw();
+    else
+        preview_->clear();
 }
 
 void SettingWidget::update_subtitles(int)
+{
+    dress_preview();
+    send_change(ChangeCode::SubtitlesChanged);
+}
+
+/// Brings the preview in line with the subtitle settings.
+void SettingWidget::dress_preview()
 {
     preview_->setFont(
         device_font(QStringLiteral("v28"), preview_points.at(static_cast<std::size_t>(get_subtitle_size())), 50));
@@ -253,19 +283,15 @@ void SettingWidget::update_subtitles(int)
         preview_->set_align(placement->alignment);
     preview_->set_text_color(get_subtitle_color(), true);
     preview_->set_offset(get_time_adjust());
-    if (get_subtitle_on()) {
-        preview_->draw();
-    } else {
+    if (!get_subtitle_on())
         std::puts("CLEARING SUBTITLES!!");
-        preview_->clear();
-    }
+    show_line();
 }
 
 void SettingWidget::draw_subtitles(long long time)
 {
     if (!subtitle_combo_track->isEnabled() || !playing_ || !DeviceScreen::instance()->is_active(this))
         return;
-    preview_->update(time);
-    if (get_subtitle_on())
-        preview_->draw();
+    time_ = time;
+    show_line();
 }

@@ -6,6 +6,7 @@
 #include <QtCore/QMap>
 #include <QtGui/QColor>
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -115,8 +116,8 @@ public:
     void update_information();
     /// Takes the values off the Info page.
     void clear_information();
-    /// Gives the preview the subtitles of the chosen track, and reports SubtitlesChanged if they are others than
-    /// before.
+    /// Gives the preview the subtitles of the chosen track, which may have become others, and takes the line off it.
+    /// Reports SubtitlesChanged if they are others than before.
     void refresh_subtitle();
     /// Draws the line due at @p time (milliseconds) in the preview, while a film with subtitles plays and the dialog is
     /// in front.
@@ -153,7 +154,7 @@ public slots:
     void audio_track_activated(int index);
     /// Writes the choice to the file at once and gives the track's subtitles to the preview.
     void subtitle_track_activated(int index);
-    /// Brings the preview in line with the subtitle settings.
+    /// Brings the preview in line with the subtitle settings and reports SubtitlesChanged.
     void update_subtitles(int index);
     /// Half a second later.
     void subtitle_adjust_forward();
@@ -176,6 +177,9 @@ private:
     void init_widgets();
     void connect_signals();
     void place_preview();
+    bool choose_list();
+    void dress_preview();
+    void show_line();
 
     int value_of(const QComboBox* combo, std::span<const setting_tables::Choice> choices, const char* getter,
                  int fallback) const;
@@ -194,8 +198,10 @@ private:
     QString file_name_;
     SubtitleControl* preview_ = nullptr;
     MediaPlayer* player_ = nullptr;
-    /// The list that SubtitlesChanged was sent for last; compared only, never looked into.
-    const std::vector<Subtitle>* reported_list_ = nullptr;
+    /// The chosen track's list, which the preview has; null for none.
+    const std::vector<Subtitle>* list_ = nullptr;
+    /// The position that the preview was last to show, in milliseconds; nothing before the first one.
+    std::optional<long long> time_;
     int volume_ = 0;
     bool playing_ = false;
 };

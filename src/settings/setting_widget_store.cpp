@@ -152,6 +152,7 @@ void SettingWidget::load_default_subtitle_settings()
 {
     reset_combos(Page::Subtitle);
     show_shift(0);
+    choose_list();
     update_subtitles(0);
 }
 

@@ -4,6 +4,8 @@
 #include "test_main.h"
 
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QTabWidget>
 
 namespace
 {
@@ -276,6 +278,92 @@ private slots:
         QCOMPARE(preview->get_last_subtitle(), QStringLiteral("two"));
     }
 
+    void open_settings_show_the_line_that_is_due()
+    {
+        play_with_settings({{1000, 3000, "one"}, {5000, 7000, "two"}}, 2000);
+        QCOMPARE(preview()->get_last_subtitle(), QStringLiteral("one"));
+        // Opened again later, they do not show the line of then.
+        const QImage line = preview()->background_pixmap().toImage();
+        player->settings()->close();
+        scripted_engine::run_to(4000);
+        player->settle();
+        player->post(player_event::open_settings);
+        player->settle();
+        QVERIFY(preview()->background_pixmap().toImage() != line);
+    }
+
+    void a_shift_is_seen_over_the_film_and_in_the_settings_at_once()
+    {
+        play_with_settings({{1000, 3000, "one"}}, 700);
+        QVERIFY(player->subtitle()->get_last_subtitle().isEmpty());
+        QTest::mouseClick(player->settings()->findChild<QPushButton*>(QStringLiteral("subtitle_button_forward")),
+                          Qt::LeftButton);
+        player->settle();
+        QCOMPARE(player->subtitle()->get_last_subtitle(), QStringLiteral("one"));
+        QCOMPARE(preview()->get_last_subtitle(), QStringLiteral("one"));
+    }
+
+    void subtitles_switched_on_in_the_settings_are_seen_before_those_close()
+    {
+        player->combo("subtitle_combo_display")->setCurrentIndex(1);
+        play_with_settings({{1000, 3000, "one"}, {5000, 7000, "two"}}, 2000);
+        scripted_engine::run_to(4000);
+        player->settle();
+        QCOMPARE(counter->count(player_event::subtitle_redraw), 0);
+        const QImage blank = preview()->background_pixmap().toImage();
+        player->combo("subtitle_combo_display")->setCurrentIndex(0);
+        emit player->combo("subtitle_combo_display")->activated(0);
+        player->settle();
+        QCOMPARE(preview()->background_pixmap().toImage(), blank);
+        scripted_engine::run_to(6000);
+        player->settle();
+        QCOMPARE(counter->count(player_event::subtitle_redraw), 1);
+        QVERIFY(preview()->background_pixmap().toImage() != blank);
+    }
+
+    void subtitles_that_are_read_later_reach_the_settings()
+    {
+        play_with_settings({}, 2000);
+        const QImage blank = preview()->background_pixmap().toImage();
+        scripted_engine::set_subtitles(0, {{1000, 3000, "late"}});
+        scripted_engine::announce_subtitles();
+        player->settle();
+        QCOMPARE(preview()->get_last_subtitle(), QStringLiteral("late"));
+        QVERIFY(preview()->background_pixmap().toImage() != blank);
+        // What tells the settings and the film of each other's news comes to an end.
+        const int reports = counter->count(player_event::reload_subtitles);
+        player->settle();
+        QCOMPARE(counter->count(player_event::reload_subtitles), reports);
+    }
+
+    void a_line_is_shown_again_in_the_settings_after_a_seek_back()
+    {
+        play_with_settings({{1000, 3000, "one"}}, 2000);
+        const QImage line = preview()->background_pixmap().toImage();
+        scripted_engine::run_to(4000);
+        player->settle();
+        QVERIFY(preview()->background_pixmap().toImage() != line);
+        player->seek_to(1500, SeekMode::Backward);
+        player->settle();
+        scripted_engine::run_to(1600);
+        player->settle();
+        QCOMPARE(preview()->background_pixmap().toImage(), line);
+    }
+
+    void a_change_of_the_subtitles_leaves_the_settings_in_front_on_the_tv()
+    {
+        player->post(player_event::switch_screen);
+        player->settle();
+        play_with_settings({{1000, 3000, "one"}}, 2000);
+        auto* const button = player->settings()->findChild<QPushButton*>(QStringLiteral("subtitle_button_forward"));
+        button->setFocus();
+        QTest::keyClick(button, Qt::Key_Return);
+        player->settle();
+        QVERIFY(DeviceScreen::instance()->is_active(player->settings()));
+        QCOMPARE(player->settings()->focusWidget(), button);
+        QVERIFY(player->subtitle()->isVisible());
+    }
+
     void only_the_way_to_the_tv_puts_the_time_bar_in_its_place()
     {
         player->time_bar()->move(5, 6);
@@ -352,6 +440,21 @@ private:
         QVERIFY(!player->window()->is_full_screen());
         counter = std::make_unique<EventCounter>(player->window());
     }
+
+    /// A film at @p position behind the settings, opened at the page of the subtitles.
+    void play_with_settings(std::vector<Subtitle> lines, Time position)
+    {
+        scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("subtitle_streams"), QStringLiteral("1"));
+        scripted_engine::set_subtitles(0, std::move(lines));
+        play_with_controls();
+        scripted_engine::run_to(position);
+        player->settle();
+        player->settings()->setting_tab->setCurrentIndex(static_cast<int>(SettingBase::Page::Subtitle));
+        player->post(player_event::open_settings);
+        player->settle();
+        counter->numbers.clear();
+    }
+    SubtitleControl* preview() { return player->settings()->findChild<SubtitleControl*>(); }
 
     void activate()
     {

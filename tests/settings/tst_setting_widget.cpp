@@ -740,6 +740,109 @@ private slots:
         QVERIFY(inked_pixels(*settings) > 0);
     }
 
+    void each_change_of_the_subtitles_is_reported_at_once_data()
+    {
+        QTest::addColumn<QByteArray>("combo");
+        QTest::addColumn<QByteArray>("button");
+        for (const char* combo :
+             {"subtitle_combo_display", "subtitle_combo_size", "subtitle_combo_color", "subtitle_combo_pos"})
+            QTest::newRow(combo) << QByteArray(combo) << QByteArray();
+        for (const char* button : {"subtitle_button_back", "subtitle_button_forward", "subtitle_button_alldefault"})
+            QTest::newRow(button) << QByteArray() << QByteArray(button);
+    }
+
+    void each_change_of_the_subtitles_is_reported_at_once()
+    {
+        QFETCH(QByteArray, combo);
+        QFETCH(QByteArray, button);
+        const auto settings = make_settings();
+        const Listener listener(*settings);
+        settings->show();
+        control<QTabWidget>(*settings, "setting_tab")->setCurrentIndex(2);
+        QCOMPARE(listener.news, QStringList());
+        if (button.isEmpty()) {
+            auto* const box = control<QComboBox>(*settings, combo.constData());
+            const bool last = box->currentIndex() + 1 == box->count();
+            choose_by_keys(box, last ? Qt::Key_Up : Qt::Key_Down, 1);
+        } else {
+            QTest::mouseClick(control<QPushButton>(*settings, button.constData()), Qt::LeftButton);
+        }
+        QCOMPARE(listener.news, QStringList("2203"));
+    }
+
+    void a_reset_shows_the_first_tracks_line()
+    {
+        OpenFilm film(QStringLiteral("1"), QStringLiteral("2"));
+        const auto settings = make_settings();
+        show_playing(*settings, film);
+        settings->draw_subtitles(1500);
+        const QImage first = preview_of(*settings)->background_pixmap().toImage();
+        choose_by_keys(control<QComboBox>(*settings, "subtitle_combo_track"), Qt::Key_Down, 1);
+        QCOMPARE(preview_of(*settings)->get_last_subtitle(), QStringLiteral("other"));
+        QTest::mouseClick(control<QPushButton>(*settings, "subtitle_button_alldefault"), Qt::LeftButton);
+        QCOMPARE(settings->get_subtitle_track(), 1U);
+        QCOMPARE(preview_of(*settings)->get_last_subtitle(), QStringLiteral("first"));
+        QCOMPARE(preview_of(*settings)->background_pixmap().toImage(), first);
+    }
+
+    void a_line_is_shown_again_after_a_jump_back()
+    {
+        OpenFilm film(QStringLiteral("1"), QStringLiteral("1"));
+        const auto settings = make_settings();
+        show_playing(*settings, film);
+        settings->draw_subtitles(1500);
+        settings->draw_subtitles(2500);
+        QCOMPARE(inked_pixels(*settings), 0);
+        settings->draw_subtitles(1500);
+        QVERIFY(inked_pixels(*settings) > 0);
+    }
+
+    void a_page_without_the_film_hides_no_change_of_the_line()
+    {
+        OpenFilm film(QStringLiteral("1"), QStringLiteral("1"));
+        const auto settings = make_settings();
+        show_playing(*settings, film);
+        auto* const tabs = control<QTabWidget>(*settings, "setting_tab");
+        settings->draw_subtitles(1500);
+        const QImage first = preview_of(*settings)->background_pixmap().toImage();
+        tabs->setCurrentIndex(5);
+        settings->draw_subtitles(2500);
+        tabs->setCurrentIndex(2);
+        QCOMPARE(inked_pixels(*settings), 0);
+        tabs->setCurrentIndex(5);
+        settings->draw_subtitles(1500);
+        settings->set_playing(false);
+        tabs->setCurrentIndex(2);
+        QCOMPARE(preview_of(*settings)->background_pixmap().toImage(), first);
+    }
+
+    void the_dialog_opens_without_the_line_of_its_last_time()
+    {
+        OpenFilm film(QStringLiteral("1"), QStringLiteral("1"));
+        const auto settings = make_settings();
+        show_playing(*settings, film);
+        settings->draw_subtitles(1500);
+        settings->close();
+        settings->show();
+        QCOMPARE(inked_pixels(*settings), 0);
+        QTRY_VERIFY(DeviceScreen::instance()->is_active(settings.get()));
+        settings->draw_subtitles(1500);
+        QVERIFY(inked_pixels(*settings) > 0);
+    }
+
+    void a_shift_moves_the_line_of_a_paused_film()
+    {
+        OpenFilm film(QStringLiteral("1"), QStringLiteral("1"));
+        const auto settings = make_settings();
+        show_playing(*settings, film);
+        settings->draw_subtitles(1800);
+        settings->set_playing(false);
+        QTest::mouseClick(control<QPushButton>(*settings, "subtitle_button_forward"), Qt::LeftButton);
+        QCOMPARE(inked_pixels(*settings), 0);
+        QTest::mouseClick(control<QPushButton>(*settings, "subtitle_button_back"), Qt::LeftButton);
+        QVERIFY(inked_pixels(*settings) > 0);
+    }
+
     void new_subtitles_are_reported_once()
     {
         OpenFilm film(QStringLiteral("1"), QStringLiteral("1"));
@@ -827,6 +930,16 @@ private:
         const Listener listener(*settings);
         settings->close();
         return listener.news;
+    }
+
+    /// Shows the settings in front of a film that plays.
+    static void show_playing(SettingWidget& settings, OpenFilm& film)
+    {
+        settings.set_player(film.player());
+        settings.set_playing(true);
+        settings.show();
+        control<QTabWidget>(settings, "setting_tab")->setCurrentIndex(2);
+        QTRY_VERIFY(DeviceScreen::instance()->is_active(&settings));
     }
 
     static QStringList information(const SettingWidget& settings)
