@@ -2,7 +2,7 @@
 
 #include "device_screen.h"
 #include "dic_dialog.h"
-#include "qcop_envelope.h"
+#include "qpe_application.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTimer>
@@ -71,8 +71,7 @@ void Shots::tap(int x, int y) const
 
 void Shots::hand_over(const QStringList& films) const
 {
-    QCopEnvelope envelope("QPE/Brevaton/video", "transmit_filename(QString)");
-    envelope << QString(films.join(QLatin1Char('\n')) + QLatin1Char('\n'));
+    QPEApplication::send_files(films);
 }
 
 void Shots::show_controls()

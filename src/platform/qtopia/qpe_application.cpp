@@ -79,15 +79,15 @@ QStringList files_of(const QStringList& arguments, const QPEApplication::FilesBe
     return files;
 }
 
-void send_files(const QStringList& files)
+} // namespace
+
+void QPEApplication::send_files(const QStringList& files)
 {
     if (files.isEmpty())
         return;
     QCopEnvelope envelope(player_channel, file_message);
     envelope << files.join(u'\n') + u'\n';
 }
-
-} // namespace
 
 QPEApplication::QPEApplication(int& argc, char** argv, const FilesBehind& files_behind) : QApplication(argc, argv)
 {

@@ -32,6 +32,9 @@ public:
     /// Runs the event loop, and first has the files of the command line sent to the player's channel.
     static int exec();
 
+    /// Hands @p files, absolute paths, to the player of this session as its new list. Nothing is sent for none.
+    static void send_files(const QStringList& files);
+
     /// Makes the GUI thread look at its posted events. May be called on any thread, also without an application object.
     static void wakeUpGuiThread();
 

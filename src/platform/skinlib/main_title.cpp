@@ -4,7 +4,7 @@
 #include "file_manager.h"
 #include "file_manager_button.h"
 #include "file_manager_look.h"
-#include "qcop_envelope.h"
+#include "qpe_application.h"
 #include "window_flags.h"
 
 #include <QDir>
@@ -128,8 +128,7 @@ void mainTitle::send(const QStringList& films, bool append)
 {
     remember_folder();
     emit append_requested(append);
-    QCopEnvelope message("QPE/Brevaton/video", "transmit_filename(QString)");
-    message << films.join(QLatin1Char('\n')) + QLatin1Char('\n');
+    QPEApplication::send_files(films);
 }
 
 void mainTitle::remember_folder() const
