@@ -4,6 +4,8 @@
 // Ends with 0 when every film reached its end, with 1 when one did not, with 2 for a wrong call.
 
 #include "device_screen.h"
+#include "file_manager.h"
+#include "file_manager_folder.h"
 #include "player_event.h"
 #include "qpe_application.h"
 #include "slider_skin.h"
@@ -139,11 +141,16 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "tavel_watch: cannot make the directory %s\n", argv[2]);
         return 2;
     }
-    const int films = argc - 3;
     // The application object takes the films from the command line, as it does in the player.
     argv[2] = argv[0];
     int player_argc = argc - 2;
-    QPEApplication application(player_argc, argv + 2);
+    qsizetype films = 0;
+    const auto counted = [&films](const QString& path) {
+        const QStringList behind = films_behind(path, FileManager::most_films);
+        films += behind.size();
+        return behind;
+    };
+    QPEApplication application(player_argc, argv + 2, counted);
     auto* window = new TavelVideo(nullptr, "tavel_video", 16);
     application.showMainWidget(window);
     QObject::connect(&application, SIGNAL(flush()), window, SLOT(flush_slot()));

@@ -167,5 +167,9 @@ QStringList films_behind(const QString& path, int most)
     const auto kind = info.isDir() ? FileManagerEntry::Kind::Folder : kind_of_file(info.fileName());
     if (kind != FileManagerEntry::Kind::Folder && kind != FileManagerEntry::Kind::PlayList)
         return {path};
-    return collect_films({{path, kind}}, most, {}).films;
+    const CollectedFilms found = collect_films({{path, kind}}, most, {});
+    if (found.films.isEmpty() || found.vanished + found.unreadable + found.names_left_out > 0)
+        qWarning("%s: films taken %d, no longer there %d, unreadable %d, unusable names %d", qUtf8Printable(path),
+                 static_cast<int>(found.films.size()), found.vanished, found.unreadable, found.names_left_out);
+    return found.films;
 }
