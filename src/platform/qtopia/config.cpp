@@ -195,7 +195,6 @@ bool Config::write(Occasion occasion)
     }
     FaultLog::instance().forget(Fault::Unwritable, path_);
     changes_.clear();
-    change_index_.clear();
     failed_ = false;
     return true;
 }
@@ -209,9 +208,10 @@ void Config::set_raw(const QString& key, const QString& raw)
 
 void Config::note_change(const QString& key, const QString& encoded)
 {
-    const auto [place, is_new] = change_index_.try_emplace({group_, key}, changes_.size());
-    if (is_new)
+    const auto known = std::find_if(changes_.begin(), changes_.end(),
+                                    [&](const Change& each) { return each.group == group_ && each.key == key; });
+    if (known == changes_.end())
         changes_.push_back({group_, key, encoded});
     else
-        changes_[place->second].encoded = encoded;
+        known->encoded = encoded;
 }

@@ -2,7 +2,6 @@
 
 #include <QString>
 #include <QStringList>
-#include <map>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -84,7 +83,5 @@ private:
     std::unique_ptr<ConfigDocument> document_;
     // Each place once, in the order of the first write, in which new keys come into the file.
     std::vector<Change> changes_;
-    // (group, key) to the index of its change.
-    std::map<std::pair<QString, QString>, size_t> change_index_;
     bool failed_ = false;
 };
