@@ -8,10 +8,10 @@
 // blocks" at the end of the steps, the largest first.
 
 #include "engine_loader.h"
+#include "heap.h"
 #include "heap_count.h"
 #include "picture_watch.h"
 #include "player_event.h"
-#include "qcop_envelope.h"
 #include "qpe_application.h"
 #include "tavel_video.h"
 #include "translation.h"
@@ -20,7 +20,6 @@
 #include <QtCore/QEventLoop>
 #include <QtCore/QTimer>
 
-#include <malloc.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -91,10 +90,7 @@ bool play(TavelVideo& window, const QStringList& films)
 {
     PictureWatch picture_watch;
     picture_watch.await(magenta);
-    {
-        QCopEnvelope envelope("QPE/Brevaton/video", "transmit_filename(QString)");
-        envelope << QString(films.join(QLatin1Char('\n')) + QLatin1Char('\n'));
-    }
+    QPEApplication::send_files(films);
     for (int waited = 0; waited < patience_ms; waited += 50) {
         if (picture_watch.painted() && window.isIn(&TavelVideo::play_state) != 0) {
             settle();
@@ -121,8 +117,7 @@ int main(int argc, char** argv)
     step("libraries loaded");
     if (tells_holders)
         heap_count::note_holders();
-    mallopt(M_ARENA_MAX, 1); // as the player does
-    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+    set_up_heap();
     int player_argc = 1;
     QPEApplication application(player_argc, argv);
     step("application object");

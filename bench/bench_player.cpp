@@ -17,11 +17,12 @@
 #include "config.h"
 #include "device_screen.h"
 #include "engine_loader.h"
+#include "heap.h"
 #include "loop_watch.h"
 #include "picture_watch.h"
 #include "player_event.h"
-#include "qcop_envelope.h"
 #include "qpe_application.h"
+#include "resident_memory.h"
 #include "tavel_video.h"
 #include "translation.h"
 
@@ -30,7 +31,6 @@
 #include <QtCore/QTimer>
 #include <QtTest/QTest>
 
-#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -155,10 +155,7 @@ private:
 
     double play(const char* film, QRgb mark)
     {
-        return until_picture(mark, [&] {
-            QCopEnvelope envelope("QPE/Brevaton/video", "transmit_filename(QString)");
-            envelope << QString(films_.absoluteFilePath(QLatin1String(film)) + QLatin1Char('\n'));
-        });
+        return until_picture(mark, [&] { QPEApplication::send_files({films_.absoluteFilePath(QLatin1String(film))}); });
     }
 
     void play_and_wait(const char* film, QRgb mark)
@@ -222,17 +219,8 @@ private:
 
     static void print_memory(int film)
     {
-        long total = 0;
-        long resident = 0;
-        long file = 0;
-        if (FILE* const statm = std::fopen("/proc/self/statm", "re")) {
-            if (std::fscanf(statm, "%ld %ld %ld", &total, &resident, &file) != 3)
-                resident = 0;
-            std::fclose(statm);
-        }
-        const double page_mb = static_cast<double>(sysconf(_SC_PAGESIZE)) / (1024 * 1024);
-        std::fprintf(table, "%d\t%.1f\t%.1f\n", film, static_cast<double>(resident) * page_mb,
-                     static_cast<double>(resident - file) * page_mb);
+        const ResidentMemory memory = ResidentMemory::now();
+        std::fprintf(table, "%d\t%.1f\t%.1f\n", film, memory.own_mb + memory.file_mb, memory.own_mb);
     }
 
     TavelVideo* window_;
@@ -279,8 +267,7 @@ int main(int argc, char** argv)
     table = fdopen(dup(STDOUT_FILENO), "w");
     if (table == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr)
         return 2;
-    mallopt(M_ARENA_MAX, 1); // as the player does
-    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+    set_up_heap();
     int player_argc = 1;
     QPEApplication application(player_argc, argv);
     begin_to_load_engine();

@@ -8,17 +8,16 @@
 
 #include "device_screen.h"
 #include "engine_loader.h"
+#include "heap.h"
 #include "loop_watch.h"
 #include "picture_watch.h"
 #include "player_event.h"
-#include "qcop_envelope.h"
 #include "qpe_application.h"
+#include "resident_memory.h"
 #include "tavel_video.h"
 #include "translation.h"
 
 #include <QtCore/QTimer>
-
-#include <malloc.h>
 
 #include <unistd.h>
 
@@ -53,19 +52,9 @@ double monotonic_ms()
 void note(const char* name)
 {
     static const double started_ms = std::atof(std::getenv("BENCH_STARTED")) / 1e6;
-    long total_pages = 0;
-    long resident_pages = 0;
-    long file_pages = 0;
-    if (FILE* const statm = std::fopen("/proc/self/statm", "re")) {
-        if (std::fscanf(statm, "%ld %ld %ld", &total_pages, &resident_pages, &file_pages) != 3)
-            resident_pages = file_pages = 0;
-        std::fclose(statm);
-    }
-    const double page_mb = static_cast<double>(sysconf(_SC_PAGESIZE)) / (1024 * 1024);
+    const ResidentMemory memory = ResidentMemory::now();
     steps.push_back({name, monotonic_ms() - started_ms, processor_seconds(CLOCK_THREAD_CPUTIME_ID) * 1000,
-                     processor_seconds(CLOCK_PROCESS_CPUTIME_ID) * 1000,
-                     static_cast<double>(resident_pages - file_pages) * page_mb,
-                     static_cast<double>(file_pages) * page_mb});
+                     processor_seconds(CLOCK_PROCESS_CPUTIME_ID) * 1000, memory.own_mb, memory.file_mb});
 }
 
 /// Ends the player after the first painting that follows the first picture.
@@ -119,8 +108,7 @@ int main(int argc, char** argv)
     FILE* const table = fdopen(dup(STDOUT_FILENO), "w");
     if (table == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr)
         return 2;
-    mallopt(M_ARENA_MAX, 1); // as the player does
-    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+    set_up_heap();
     QPEApplication application(argc, argv);
     note("application object");
     begin_to_load_engine();
