@@ -87,15 +87,7 @@ unsigned MediaPlayer::prepare(const char* file_name)
         if (const unsigned status = MediaPlayer::open(file_name); status != rask::ok)
             return status;
     }
-    const unsigned status = d->playback->load({.path = path,
-                                               .length = d->file.length,
-                                               .seekable = d->file.seekable,
-                                               .frame = {d->file.width, d->file.height},
-                                               .pixel_aspect = d->file.pixel_aspect,
-                                               .audio_streams = d->file.audio_streams,
-                                               .rotation = d->file.rotation,
-                                               .has_palette = d->file.has_palette,
-                                               .lacks_index = d->file.lacks_index});
+    const unsigned status = d->playback->load(d->file);
     if (status == rask::ok)
         d->subtitles->read_rest();
     return status;

@@ -66,7 +66,7 @@ QByteArray turning_filter(int degrees)
     }
 }
 
-QByteArray picture_filters(const Playback::Film& film)
+QByteArray picture_filters(const MediaFile& film)
 {
     QByteArrayList filters;
     // Left to itself the library turns a palette into a kind of YUV that its renderer takes for another.
@@ -156,7 +156,7 @@ RaskStatus Playback::initialize()
     return ask([this] { return ensure_core() ? rask::ok : rask::engine_failed; });
 }
 
-RaskStatus Playback::load(const Film& film)
+RaskStatus Playback::load(const MediaFile& film)
 {
     const auto answer = std::make_shared<Answer>();
     post([this, film, answer, epoch = ++m_asked_epoch] {
@@ -600,7 +600,7 @@ void Playback::on_end_file(const mpv_event_end_file& end)
     enter(Phase::Broken);
 }
 
-void Playback::do_load(const Film& film, std::shared_ptr<Answer> answer)
+void Playback::do_load(const MediaFile& film, std::shared_ptr<Answer> answer)
 {
     do_stop();
     m_film = film;
@@ -615,9 +615,9 @@ void Playback::do_load(const Film& film, std::shared_ptr<Answer> answer)
 
 void Playback::send_load(Time start)
 {
-    const bool graphics = m_film.frame.height() >= hardware_height && QDir(QStringLiteral("/dev/dri")).exists();
+    const bool graphics = m_film.height >= hardware_height && QDir(QStringLiteral("/dev/dri")).exists();
     m_core->set("hwdec", graphics ? "auto-copy-safe" : "no");
-    m_core->set("vd-lavc-threads", QByteArray::number(picture_size::decoder_threads(m_film.frame.height())));
+    m_core->set("vd-lavc-threads", QByteArray::number(picture_size::decoder_threads(m_film.height)));
     choose_scaler();
     m_core->set("vf", picture_filters(m_film));
     m_core->set("hr-seek-demuxer-offset", m_film.lacks_index ? seek_margin_s : 0.0);
@@ -640,7 +640,8 @@ void Playback::choose_scaler()
     if (!m_core || m_phase == Phase::Idle)
         return;
     const bool on_its_side = m_film.rotation % 180 != 0;
-    const QSize frame = on_its_side ? m_film.frame.transposed() : m_film.frame;
+    const QSize decoded(m_film.width, m_film.height);
+    const QSize frame = on_its_side ? decoded.transposed() : decoded;
     const double pixel_aspect = on_its_side ? 1.0 / m_film.pixel_aspect : m_film.pixel_aspect;
     const QSize place = VideoPlane::instance().pixel_size();
     m_core->use_scaler(picture_size::scaling_of(frame, pixel_aspect, place, m_keep_aspect));

@@ -3,6 +3,7 @@
 #include "background_task.h"
 #include "engine_core.h"
 #include "media_callback.h"
+#include "media_file.h"
 #include "sound_watch.h"
 #include "speed_steps.h"
 
@@ -27,19 +28,6 @@
 class Playback : public std::enable_shared_from_this<Playback>
 {
 public:
-    /// What is to be played.
-    struct Film {
-        QByteArray path; ///< absolute
-        Time length = 0; ///< 0 when unknown
-        bool seekable = false;
-        QSize frame;               ///< as it is decoded, in pixels
-        double pixel_aspect = 1.0; ///< as MediaFile has it, and all below
-        int audio_streams = 0;
-        int rotation = 0; ///< 0, 90, 180 or 270 degrees, clockwise
-        bool has_palette = false;
-        bool lacks_index = false;
-    };
-
     /// Starts the engine's thread. @param callback may be null
     static std::shared_ptr<Playback> start(MediaCallback* callback);
 
@@ -50,7 +38,8 @@ public:
     /// Waits until the library runs.
     RaskStatus initialize();
     /// Loads a film in the place of any other and waits until its first frame is there.
-    RaskStatus load(const Film& film);
+    /// @param film one with a picture; its path is absolute
+    RaskStatus load(const MediaFile& film);
     /// Lets go of the film. No report comes afterwards.
     RaskStatus stop();
     RaskStatus play();
@@ -133,7 +122,7 @@ private:
     void on_position(std::optional<Time> position);
     void on_sound_clock(std::optional<double> buffered);
 
-    void do_load(const Film& film, std::shared_ptr<Answer> answer);
+    void do_load(const MediaFile& film, std::shared_ptr<Answer> answer);
     void send_load(Time start = 0);
     void choose_scaler();
     void finish_load(RaskStatus status);
@@ -183,7 +172,7 @@ private:
     std::unique_ptr<EngineCore> m_core;
     unsigned m_epoch = 0; ///< of the film; reports of an earlier one than was asked for last are not made
     Phase m_phase = Phase::Idle;
-    Film m_film;
+    MediaFile m_film;
     std::uint64_t m_last_id = 0; ///< ids of what the library was asked
     Time m_position = 0;
     Deadline m_position_tick;      ///< while playing, and while a film that is being loaded waits for its first frame
