@@ -157,14 +157,9 @@ void EngineCore::use_scaler(picture_size::Scaling scaling)
     set("sws-allow-zimg", scaler.allows_zimg);
 }
 
-bool EngineCore::ask_number(const char* property, std::uint64_t id)
+bool EngineCore::ask(const char* property, std::uint64_t id, mpv_format format)
 {
-    return mpv_get_property_async(m_handle, id, property, MPV_FORMAT_DOUBLE) >= 0;
-}
-
-bool EngineCore::ask_flag(const char* property, std::uint64_t id)
-{
-    return mpv_get_property_async(m_handle, id, property, MPV_FORMAT_FLAG) >= 0;
+    return mpv_get_property_async(m_handle, id, property, format) >= 0;
 }
 
 void EngineCore::watch(const char* property, mpv_format format, std::uint64_t id)

@@ -38,9 +38,8 @@ public:
     bool uses_sound() const { return m_uses_sound; }
     /// From the next frame on. Chosen for no scaling in the beginning.
     void use_scaler(picture_size::Scaling scaling);
-    /// Asks for a value that comes back in an event with @p id.
-    bool ask_number(const char* property, std::uint64_t id);
-    bool ask_flag(const char* property, std::uint64_t id);
+    /// Asks for a value that comes back in an event with @p id. @return false when the library takes no more.
+    bool ask(const char* property, std::uint64_t id, mpv_format format = MPV_FORMAT_DOUBLE);
     void watch(const char* property, mpv_format format, std::uint64_t id);
 
 private:

@@ -471,10 +471,10 @@ void Playback::on_restart()
     m_core->picture().show_missed();
     if (m_phase == Phase::Loading) {
         // Whether there is a picture is known by its size; a film whose every frame is damaged has none.
-        if (!m_core->ask_number("video-params/w", m_load_id))
+        if (!m_core->ask("video-params/w", m_load_id))
             finish_load(rask::engine_failed);
     } else if (m_seek_stage == SeekStage::Running) {
-        if (!m_core->ask_number("time-pos", m_seek_id))
+        if (!m_core->ask("time-pos", m_seek_id))
             finish_seek(m_seek_target);
     }
 }
@@ -513,7 +513,7 @@ void Playback::follow_position()
 
 void Playback::ask_position()
 {
-    m_position_asked = m_core->ask_number("time-pos", position_id);
+    m_position_asked = m_core->ask("time-pos", position_id);
     if (m_position_asked)
         m_sound.asked(Clock::now(), processor_time());
 }
@@ -543,10 +543,10 @@ void Playback::on_position(std::optional<Time> position)
         move_to(*position);
     } else if (m_sound.wants_look(m_told_at)) {
         // The library is known to keep quiet about an end that it came to while paused.
-        m_core->ask_flag("eof-reached", end_id);
+        m_core->ask("eof-reached", end_id, MPV_FORMAT_FLAG);
         if (m_core->uses_sound()) {
-            m_core->ask_number("audio-pts", sound_clock_id);
-            m_core->ask_number("demuxer-cache-time", buffered_id);
+            m_core->ask("audio-pts", sound_clock_id);
+            m_core->ask("demuxer-cache-time", buffered_id);
         }
     }
 }
