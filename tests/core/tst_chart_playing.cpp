@@ -1,24 +1,17 @@
 #include "cfbio.h"
 #include "device_screen.h"
-#include "player.h"
+#include "player_test.h"
 #include "qpe_application.h"
 #include "test_main.h"
 
 #include <QtWidgets/QComboBox>
 
 /// The states of a loaded film: play, pause, stop, seek, the end, and the requests that go with them.
-class ChartPlayingTest : public QObject
+class ChartPlayingTest : public PlayerTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        player = std::make_unique<Player>();
-        player->settle();
-    }
-    void cleanup() { player.reset(); }
-
     // ---- play and pause
 
     void pause_holds_the_picture_and_play_goes_on()
@@ -706,9 +699,6 @@ private slots:
         QCOMPARE(player->playlist()->get_filename(player->playlist()->get_now_playing()), files[1]);
         QCOMPARE(player->window()->position(), Time(0));
     }
-
-private:
-    std::unique_ptr<Player> player;
 };
 
 TAVEL_TEST_MAIN_WITH(QPEApplication, ChartPlayingTest)

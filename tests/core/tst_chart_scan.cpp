@@ -1,4 +1,4 @@
-#include "player.h"
+#include "player_test.h"
 #include "printed_text.h"
 #include "qpe_application.h"
 #include "slider_skin.h"
@@ -7,18 +7,11 @@
 #include <QtWidgets/QComboBox>
 
 /// Scanning in both trick modes, and the repeated passage.
-class ChartScanTest : public QObject
+class ChartScanTest : public PlayerTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        player = std::make_unique<Player>();
-        player->settle();
-    }
-    void cleanup() { player.reset(); }
-
     // ---- the seek bar alone (trick mode 0)
 
     void a_bar_scan_moves_the_bar_from_where_the_film_is()
@@ -469,8 +462,6 @@ private:
         player->settle();
     }
     SliderSkin* slider() { return player->time_bar()->findChild<SliderSkin*>(); }
-
-    std::unique_ptr<Player> player;
 };
 
 TAVEL_TEST_MAIN_WITH(QPEApplication, ChartScanTest)

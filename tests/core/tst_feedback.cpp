@@ -1,6 +1,6 @@
 #include "config.h"
 #include "device_font.h"
-#include "player.h"
+#include "player_test.h"
 #include "qpe_application.h"
 #include "slider_skin.h"
 #include "test_main.h"
@@ -10,19 +10,14 @@
 #include <QtWidgets/QLineEdit>
 
 /// Texts over the film, where the subtitle stands, the list panels and the buttons.
-class FeedbackTest : public QObject
+class FeedbackTest : public PlayerTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        player = std::make_unique<Player>();
-        player->settle();
-    }
     void cleanup()
     {
-        player.reset();
+        PlayerTest::cleanup();
         TitleSkin::set_dictionary_program(QString());
     }
 
@@ -616,9 +611,6 @@ private slots:
         QVERIFY(!slider->marker(SliderSkin::Marker::A));
         QVERIFY(!player->shows("repeatA"));
     }
-
-private:
-    std::unique_ptr<Player> player;
 };
 
 TAVEL_TEST_MAIN_WITH(QPEApplication, FeedbackTest)

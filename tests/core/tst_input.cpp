@@ -1,6 +1,6 @@
 #include "device_screen.h"
 #include "dic_dialog.h"
-#include "player.h"
+#include "player_test.h"
 #include "q_select_edit.h"
 #include "qpe_application.h"
 #include "test_main.h"
@@ -8,20 +8,14 @@
 #include <QtWidgets/QComboBox>
 
 /// Keys, skin buttons and taps, as they come from the host's window.
-class InputTest : public QObject
+class InputTest : public CountingPlayerTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        player = std::make_unique<Player>();
-        player->settle();
-    }
     void cleanup()
     {
-        counter.reset();
-        player.reset();
+        CountingPlayerTest::cleanup();
         TitleSkin::set_dictionary_program(QString());
     }
 
@@ -757,25 +751,6 @@ private slots:
         QVERIFY(player->playlist()->isVisible());
         QCOMPARE(player->window()->focusWidget(), player->playlist());
     }
-
-private:
-    void play_in_full_screen(const QString& container = QStringLiteral("AVI"))
-    {
-        player->play_a_film(container);
-        QVERIFY(player->window()->is_full_screen());
-        counter = std::make_unique<EventCounter>(player->window());
-    }
-    void play_with_controls()
-    {
-        player->play_a_film();
-        player->post(player_event::leave_full_screen);
-        player->settle();
-        QVERIFY(!player->window()->is_full_screen());
-        counter = std::make_unique<EventCounter>(player->window());
-    }
-
-    std::unique_ptr<Player> player;
-    std::unique_ptr<EventCounter> counter;
 };
 
 TAVEL_TEST_MAIN_WITH(QPEApplication, InputTest)

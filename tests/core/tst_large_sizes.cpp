@@ -1,5 +1,5 @@
 #include "bookmark.h"
-#include "player.h"
+#include "player_test.h"
 #include "qpe_application.h"
 #include "test_main.h"
 #include "time_skin.h"
@@ -12,18 +12,11 @@
 
 /// What goes beyond 31 bits, and a library of as many and as long paths as there may be: numbers and memory that a
 /// 32-bit processor has less room for.
-class LargeSizesTest : public QObject
+class LargeSizesTest : public PlayerTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        player = std::make_unique<Player>();
-        player->settle();
-    }
-    void cleanup() { player.reset(); }
-
     // ---- the system's types
 
     void a_file_offset_and_a_time_stamp_have_64_bits()
@@ -198,7 +191,6 @@ private:
     }
 
     QTemporaryDir directory;
-    std::unique_ptr<Player> player;
 };
 
 TAVEL_TEST_MAIN_WITH(QPEApplication, LargeSizesTest)

@@ -1,6 +1,6 @@
 #include "config.h"
 #include "device_screen.h"
-#include "player.h"
+#include "player_test.h"
 #include "printed_text.h"
 #include "qcop_envelope.h"
 #include "qpe_application.h"
@@ -11,22 +11,11 @@
 #include <QtWidgets/QComboBox>
 
 /// What other programs say to the player and what it says to them.
-class MessagesTest : public QObject
+class MessagesTest : public CountingPlayerTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        player = std::make_unique<Player>();
-        player->settle();
-    }
-    void cleanup()
-    {
-        counter.reset();
-        player.reset();
-    }
-
     // ---- files handed over
 
     void three_paths_with_line_feeds_are_three_entries_and_the_first_plays()
@@ -999,8 +988,6 @@ private:
         QTRY_VERIFY(player->in(&TavelVideo::play_state));
     }
 
-    std::unique_ptr<Player> player;
-    std::unique_ptr<EventCounter> counter;
     std::unique_ptr<QTcpSocket> peer;
     QByteArray heard;
 };

@@ -1,5 +1,5 @@
 #include "child_program.h"
-#include "player.h"
+#include "player_test.h"
 #include "qcop_envelope.h"
 #include "qpe_application.h"
 #include "test_main.h"
@@ -7,18 +7,11 @@
 #include <QtCore/QProcess>
 
 /// Another process talks to the player over the session bus.
-class MessagesFromOutsideTest : public QObject
+class MessagesFromOutsideTest : public PlayerTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        player = std::make_unique<Player>();
-        player->settle();
-    }
-    void cleanup() { player.reset(); }
-
     void a_list_from_another_process_plays()
     {
         const QStringList files = player->make_files(2);
@@ -81,8 +74,6 @@ private:
         QTRY_COMPARE_WITH_TIMEOUT(other.state(), QProcess::NotRunning, 20000);
         QCOMPARE(other.exitCode(), 0);
     }
-
-    std::unique_ptr<Player> player;
 };
 
 namespace

@@ -1,4 +1,4 @@
-#include "player.h"
+#include "player_test.h"
 #include "qpe_application.h"
 #include "test_main.h"
 #include "vesk_socket.h"
@@ -7,18 +7,11 @@
 #include <QtWidgets/QComboBox>
 
 /// What arrives while a state's action still runs, because that shows a notice, and the stories that once ended badly.
-class RunToCompletionTest : public QObject
+class RunToCompletionTest : public PlayerTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        player = std::make_unique<Player>();
-        player->settle();
-    }
-    void cleanup() { player.reset(); }
-
     void events_posted_while_a_notice_is_up_wait_in_their_order()
     {
         fill_bookmarks();
@@ -255,8 +248,6 @@ private:
         peer.write(QByteArray(text) + '\n');
         peer.flush();
     }
-
-    std::unique_ptr<Player> player;
 };
 
 TAVEL_TEST_MAIN_WITH(QPEApplication, RunToCompletionTest)

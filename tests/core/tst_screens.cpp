@@ -1,7 +1,7 @@
 #include "config.h"
 #include "device_screen.h"
 #include "global.h"
-#include "player.h"
+#include "player_test.h"
 #include "printed_text.h"
 #include "qpe_application.h"
 #include "test_main.h"
@@ -9,7 +9,7 @@
 #include <QtWidgets/QComboBox>
 
 /// LCD and TV, controls and full screen, warnings about the film, digital sound.
-class ScreensTest : public QObject
+class ScreensTest : public PlayerTest
 {
     Q_OBJECT
 
@@ -18,12 +18,11 @@ private slots:
     {
         qunsetenv("TAVEL_TV");
         qunsetenv("TAVEL_DIGITAL_OUT");
-        player = std::make_unique<Player>();
-        player->settle();
+        PlayerTest::init();
     }
     void cleanup()
     {
-        player.reset();
+        PlayerTest::cleanup();
         qunsetenv("TAVEL_TV");
         qunsetenv("TAVEL_DIGITAL_OUT");
     }
@@ -673,8 +672,6 @@ private:
         sound.setGroup(QStringLiteral("System"));
         return sound.readBoolEntry(QStringLiteral("spdif"));
     }
-
-    std::unique_ptr<Player> player;
 };
 
 TAVEL_TEST_MAIN_WITH(QPEApplication, ScreensTest)

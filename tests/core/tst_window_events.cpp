@@ -1,5 +1,5 @@
 #include "device_screen.h"
-#include "player.h"
+#include "player_test.h"
 #include "qpe_application.h"
 #include "test_main.h"
 
@@ -36,22 +36,11 @@ private:
 } // namespace
 
 /// What the window makes of its own events, of everybody's keys and presses, and of its timers.
-class WindowEventsTest : public QObject
+class WindowEventsTest : public CountingPlayerTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        player = std::make_unique<Player>();
-        player->settle();
-    }
-    void cleanup()
-    {
-        counter.reset();
-        player.reset();
-    }
-
     // ---- the menu timer
 
     void the_controls_hide_themselves_after_the_last_release()
@@ -426,21 +415,6 @@ private slots:
     }
 
 private:
-    void play_in_full_screen()
-    {
-        player->play_a_film();
-        QVERIFY(player->window()->is_full_screen());
-        counter = std::make_unique<EventCounter>(player->window());
-    }
-    void play_with_controls()
-    {
-        player->play_a_film();
-        player->post(player_event::leave_full_screen);
-        player->settle();
-        QVERIFY(!player->window()->is_full_screen());
-        counter = std::make_unique<EventCounter>(player->window());
-    }
-
     /// A film at @p position behind the settings, opened at the page of the subtitles.
     void play_with_settings(std::vector<Subtitle> lines, Time position)
     {
@@ -469,9 +443,6 @@ private:
 
     /// On the title bar, beside its buttons.
     static constexpr QPoint BLANK{200, 12};
-
-    std::unique_ptr<Player> player;
-    std::unique_ptr<EventCounter> counter;
 };
 
 TAVEL_TEST_MAIN_WITH(QPEApplication, WindowEventsTest)
