@@ -273,22 +273,19 @@ private slots:
     {
         play_at(2000);
         allow_repeat();
-        player->post(player_event::repeat_ab);
-        player->settle();
+        press_repeat();
         QVERIFY(player->informs(QStringLiteral("[ A SET ]")));
         QVERIFY(!player->shows("repeatA"));
         QVERIFY(player->shows("repeatB"));
         QCOMPARE(*slider()->marker(SliderSkin::Marker::A), 2U);
         QVERIFY(!slider()->marker(SliderSkin::Marker::B));
         scripted_engine::run_to(5000);
-        player->post(player_event::repeat_ab);
-        player->settle();
+        press_repeat();
         QVERIFY(player->informs(QStringLiteral("[ B SET ]")));
         QVERIFY(!player->shows("repeatB"));
         QVERIFY(player->shows("repeatAB"));
         QCOMPARE(*slider()->marker(SliderSkin::Marker::B), 5U);
-        player->post(player_event::repeat_ab);
-        player->settle();
+        press_repeat();
         QVERIFY(player->informs(QStringLiteral("[ AB RELEASED ]")));
         QVERIFY(!player->shows("repeatAB"));
         QVERIFY(player->shows("repeatA"));
@@ -298,13 +295,7 @@ private slots:
 
     void passing_b_asks_for_one_seek_to_a()
     {
-        play_at(2000);
-        allow_repeat();
-        player->post(player_event::repeat_ab);
-        player->settle();
-        scripted_engine::run_to(5000);
-        player->post(player_event::repeat_ab);
-        player->settle();
+        repeat_from_2_to_5_seconds();
         player->clear_log();
         scripted_engine::set_automatic_reports(false);
         scripted_engine::report_time(5000);
@@ -324,13 +315,7 @@ private slots:
 
     void b_passed_during_a_scan_is_returned_from_after_it()
     {
-        play_at(2000);
-        allow_repeat();
-        player->post(player_event::repeat_ab);
-        player->settle();
-        scripted_engine::run_to(5000);
-        player->post(player_event::repeat_ab);
-        player->settle();
+        repeat_from_2_to_5_seconds();
         use_key_frames();
         player->post(player_event::scan_forward);
         player->settle();
@@ -349,11 +334,9 @@ private slots:
     {
         play_at(5000);
         allow_repeat();
-        player->post(player_event::repeat_ab);
-        player->settle();
+        press_repeat();
         scripted_engine::report_time(1000);
-        player->post(player_event::repeat_ab);
-        player->settle();
+        press_repeat();
         QCOMPARE(*slider()->marker(SliderSkin::Marker::A), 1U);
         QCOMPARE(*slider()->marker(SliderSkin::Marker::B), 5U);
         player->clear_log();
@@ -366,9 +349,8 @@ private slots:
     {
         play_at(2000);
         allow_repeat();
-        player->post(player_event::repeat_ab);
-        player->post(player_event::repeat_ab);
-        player->settle();
+        press_repeat();
+        press_repeat();
         QCOMPARE(*slider()->marker(SliderSkin::Marker::B), 3U);
         player->clear_log();
         scripted_engine::report_time(2900);
@@ -402,11 +384,9 @@ private slots:
         allow_repeat();
         scripted_engine::set_automatic_reports(false);
         scripted_engine::report_time(a);
-        player->post(player_event::repeat_ab);
-        player->settle();
+        press_repeat();
         scripted_engine::report_time(b);
-        player->post(player_event::repeat_ab);
-        player->settle();
+        press_repeat();
         player->clear_log();
         scripted_engine::report_time(last);
         player->settle();
@@ -419,8 +399,7 @@ private slots:
     void nothing_is_repeated_while_the_setting_hides_the_controls()
     {
         play_at(2000);
-        player->post(player_event::repeat_ab);
-        player->settle();
+        press_repeat();
         QVERIFY(!slider()->marker(SliderSkin::Marker::A));
         QVERIFY(!player->informs(QStringLiteral("[ A SET ]")));
     }
@@ -429,8 +408,7 @@ private slots:
     {
         player->combo("playback_combo_repeat_mode")->setCurrentIndex(0);
         player->play_a_film(QStringLiteral("MPEG"));
-        player->post(player_event::repeat_ab);
-        player->settle();
+        press_repeat();
         QVERIFY(!slider()->marker(SliderSkin::Marker::A));
     }
 
@@ -438,8 +416,7 @@ private slots:
     {
         play_at(2000);
         allow_repeat();
-        player->post(player_event::repeat_ab);
-        player->settle();
+        press_repeat();
         player->post(player_event::stop);
         player->settle();
         QVERIFY(!slider()->marker(SliderSkin::Marker::A));
@@ -460,6 +437,19 @@ private:
         player->combo("playback_combo_repeat_mode")->setCurrentIndex(0);
         player->post(player_event::refresh_buttons);
         player->settle();
+    }
+    void press_repeat()
+    {
+        player->post(player_event::repeat_ab);
+        player->settle();
+    }
+    void repeat_from_2_to_5_seconds()
+    {
+        play_at(2000);
+        allow_repeat();
+        press_repeat();
+        scripted_engine::run_to(5000);
+        press_repeat();
     }
     SliderSkin* slider() { return player->time_bar()->findChild<SliderSkin*>(); }
 };

@@ -237,29 +237,17 @@ private slots:
         QVERIFY(player->timer("menu_timer")->isActive());
     }
 
-    void each_list_panel_comes_back_after_the_switch_data()
-    {
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<QString>("panel");
-        QTest::newRow("playlist") << QStringLiteral("listopen") << QStringLiteral("PLAYLIST");
-        QTest::newRow("bookmarks") << QStringLiteral("bookmark_list") << QStringLiteral("BOOKMARK");
-    }
+    void each_list_panel_comes_back_after_the_switch_data() { list_panels(); }
     void each_list_panel_comes_back_after_the_switch()
     {
-        QFETCH(QString, button);
-        QFETCH(QString, panel);
-        player->play_a_film();
-        player->post(player_event::leave_full_screen);
-        player->settle();
-        player->control_event(qPrintable(button));
-        auto* const list = player->window()->findChild<QWidget*>(panel);
+        QWidget* const list = play_beside_list();
         for (int i = 0; i < 2; ++i) {
             player->post(player_event::switch_screen);
             player->settle();
             QVERIFY(list->isVisible());
             QVERIFY(!player->window()->is_full_screen());
         }
-        QCOMPARE(player->subtitle()->width(), panel == QStringLiteral("PLAYLIST") ? 288 : 268);
+        QCOMPARE(player->subtitle()->width(), list == player->playlist() ? 288 : 268);
     }
 
     void the_subtitles_window_on_the_tv_goes_with_the_player()
@@ -481,22 +469,10 @@ private slots:
         QVERIFY(player->information()->isVisible());
     }
 
-    void a_list_panel_hidden_with_the_controls_comes_back_with_them_data()
-    {
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<QString>("panel");
-        QTest::newRow("playlist") << QStringLiteral("listopen") << QStringLiteral("PLAYLIST");
-        QTest::newRow("bookmarks") << QStringLiteral("bookmark_list") << QStringLiteral("BOOKMARK");
-    }
+    void a_list_panel_hidden_with_the_controls_comes_back_with_them_data() { list_panels(); }
     void a_list_panel_hidden_with_the_controls_comes_back_with_them()
     {
-        QFETCH(QString, button);
-        QFETCH(QString, panel);
-        player->play_a_film();
-        player->post(player_event::leave_full_screen);
-        player->settle();
-        player->control_event(qPrintable(button));
-        auto* const list = player->window()->findChild<QWidget*>(panel);
+        QWidget* const list = play_beside_list();
         const QRect beside = player->subtitle()->geometry();
         player->post(player_event::enter_full_screen);
         player->settle();
@@ -666,6 +642,24 @@ private slots:
     }
 
 private:
+    static void list_panels()
+    {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("panel");
+        QTest::newRow("playlist") << QStringLiteral("listopen") << QStringLiteral("PLAYLIST");
+        QTest::newRow("bookmarks") << QStringLiteral("bookmark_list") << QStringLiteral("BOOKMARK");
+    }
+    /// Opens the list panel of the test's row beside a film.
+    QWidget* play_beside_list()
+    {
+        QFETCH(QString, button);
+        QFETCH(QString, panel);
+        player->play_a_film();
+        player->post(player_event::leave_full_screen);
+        player->settle();
+        player->control_event(qPrintable(button));
+        return player->window()->findChild<QWidget*>(panel);
+    }
     static bool spdif_in_the_configuration()
     {
         Config sound(QStringLiteral("Sound"));
