@@ -1,7 +1,6 @@
-#include "bench.h"
+#include "heard_bench.h"
 #include "media_probe.h"
 #include "slow_disk.h"
-#include "sound_server.h"
 #include "test_main.h"
 
 #include <QSemaphore>
@@ -121,24 +120,21 @@ private slots:
     void a_film_that_waited_for_the_disk_is_heard_again()
     {
         NEEDS_SOUND_SERVER();
-        SoundServer server;
-        QVERIFY(server.start());
-        const SoundSystem system(server.address());
-        Bench bench;
+        HeardBench bench;
         QVERIFY(bench.start(m_film));
-        QTRY_VERIFY(server.loudness() > SoundServer::audible);
+        QTRY_VERIFY(bench.server.loudness() > SoundServer::audible);
         slow_disk::hold("slow_film");
         // Longer than a sound server may hold a film up, first in the flow of the film and then in a seek.
         constexpr std::size_t four_seconds = 4 * SoundServer::rate;
         QTRY_VERIFY(slow_disk::held() > 0);
-        server.forget();
-        QTRY_VERIFY_WITH_TIMEOUT(server.heard().size() > four_seconds, 20000);
+        bench.server.forget();
+        QTRY_VERIFY_WITH_TIMEOUT(bench.server.heard().size() > four_seconds, 20000);
         QCOMPARE(bench.player.seek(SeekMode::Forward, 30000), rask::ok);
-        server.forget();
-        QTRY_VERIFY_WITH_TIMEOUT(server.heard().size() > four_seconds, 20000);
-        QCOMPARE(server.loudness(), 0);
+        bench.server.forget();
+        QTRY_VERIFY_WITH_TIMEOUT(bench.server.heard().size() > four_seconds, 20000);
+        QCOMPARE(bench.server.loudness(), 0);
         slow_disk::release();
-        QTRY_VERIFY(server.loudness() > SoundServer::audible);
+        QTRY_VERIFY(bench.server.loudness() > SoundServer::audible);
         QVERIFY(bench.recorder.position() < 40000);
     }
 
