@@ -1,7 +1,6 @@
 #include "tavel_video.h"
 
 #include "bookmark_widget.h"
-#include "config.h"
 #include "control_skin.h"
 #include "device_font.h"
 #include "device_screen.h"
@@ -10,7 +9,7 @@
 #include "message_box.h"
 #include "osd_control.h"
 #include "play_list_widget.h"
-#include "qpe_application.h"
+#include "skin_group.h"
 #include "subtitle_control.h"
 #include "time_widget.h"
 #include "title_skin.h"
@@ -58,14 +57,11 @@ void TavelVideo::create_panels()
 
 void TavelVideo::init_widgets()
 {
-    Config layout(QPEApplication::qpeDir() + QStringLiteral("pics/") + window()->objectName() +
-                      QStringLiteral("/config"),
-                  Config::File);
-    layout.setGroup(QStringLiteral("MAIN"));
+    const SkinGroup layout(this, QStringLiteral("MAIN"));
     const std::array<QWidget*, PANEL_PLACES.size()> panels{title_bar_, control_bar_, time_bar_, playlist_, bookmarks_};
     for (std::size_t i = 0; i < panels.size(); ++i)
-        panels[i]->move(layout.readNumEntry(QString::fromLatin1(PANEL_PLACES[i].x), -1),
-                        layout.readNumEntry(QString::fromLatin1(PANEL_PLACES[i].y), -1));
+        panels[i]->move(layout.position(QString::fromLatin1(PANEL_PLACES[i].x)),
+                        layout.position(QString::fromLatin1(PANEL_PLACES[i].y)));
 
     controls_offset_ = 0;
     settings_->hide();

@@ -125,6 +125,26 @@ private slots:
             QCOMPARE(panel(place)->pos(), QPoint(key == place.x_key ? -1 : place.x, key == place.y_key ? -1 : place.y));
     }
 
+    void a_place_beyond_any_screen_is_one_that_a_widget_can_have_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::addColumn<int>("coordinate");
+        QTest::newRow("largest") << std::numeric_limits<int>::max() << 16384;
+        QTest::newRow("smallest") << std::numeric_limits<int>::min() << -16384;
+    }
+    void a_place_beyond_any_screen_is_one_that_a_widget_can_have()
+    {
+        QFETCH(int, number);
+        QFETCH(int, coordinate);
+        QByteArray layout = "[MAIN]\n";
+        for (const Place& place : PLACES)
+            for (const char* key : {place.x_key, place.y_key})
+                layout += QByteArray(key) + " = " + QByteArray::number(number) + '\n';
+        player = std::make_unique<Player>(Player::Device{.layout = layout});
+        for (const Place& place : PLACES)
+            QCOMPARE(panel(place)->pos(), QPoint(coordinate, coordinate));
+    }
+
     void the_window_lies_under_settings_and_file_manager_when_it_is_made()
     {
         Player::lay_out({});
