@@ -50,7 +50,7 @@ ListPanel::ListPanel(QWidget* parent, const char* name, const QString& group, co
                           SkinLayout::bounded_size(layout.readNumEntry(QStringLiteral("height"))));
 
     list_box_ = std::make_unique<ListBoxSkin>(this, "file_listbox");
-    list_box_->setBackgroundPixmap(QPixmap::fromImage(background_behind(rectangle)));
+    list_box_->setBackgroundPixmap(QPixmap::fromImage(SkinLayout::piece_of(backgroundImage(), rectangle)));
     list_box_->setGeometry(rectangle);
     list_box_->setFont(device_font(QStringLiteral("v28"), font_points, normal_weight));
     list_box_->setRowHeight(row_height);
@@ -78,13 +78,13 @@ bool ListPanel::eventFilter(QObject* object, QEvent* event)
 void ListPanel::setBackgroundPixmap(const QPixmap& pixmap)
 {
     SkinBase::setBackgroundPixmap(pixmap);
-    list_box_->setBackgroundPixmap(backgroundPixmap().copy(list_box_->geometry()));
+    list_box_->setBackgroundPixmap(SkinLayout::piece_of(backgroundPixmap(), list_box_->geometry()));
 }
 
 void ListPanel::setAlphaOverride(unsigned char alpha)
 {
     SkinBase::setAlphaOverride(alpha);
-    QImage background = background_behind(list_box_->geometry());
+    QImage background = SkinLayout::piece_of(backgroundImage(), list_box_->geometry());
     take_alpha(background, background.copy(), alpha);
     list_box_->setBackgroundPixmap(QPixmap::fromImage(background));
 }
@@ -146,9 +146,4 @@ void ListPanel::hideEvent(QHideEvent* event)
 {
     marquee_timer_.stop();
     SkinBase::hideEvent(event);
-}
-
-QImage ListPanel::background_behind(const QRect& rectangle) const
-{
-    return rectangle.isEmpty() ? QImage() : backgroundImage().copy(rectangle);
 }

@@ -92,8 +92,6 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    QImage background_behind(const QRect& rectangle) const;
-
     std::unique_ptr<ListBoxSkin> list_box_;
     QTimer marquee_timer_{this};
 };

@@ -39,7 +39,7 @@ void TimeWidget::do_configloading(const QString& group)
     place(slider_, "slider_xpos", "slider_ypos");
 
     for (SkinWidget* child : std::initializer_list<SkinWidget*>{elapsed_, total_, slider_})
-        child->setBackgroundImage(background_->isNull() ? QImage() : background_->copy(child->geometry()));
+        child->setBackgroundImage(SkinLayout::piece_of(*background_, child->geometry()));
 
     connect(scan_timer_, SIGNAL(timeout()), this, SLOT(update_scan()));
     connect(slider_, SIGNAL(valueChanged(unsigned int)), elapsed_, SLOT(update_time(unsigned int)));

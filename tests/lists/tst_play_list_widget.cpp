@@ -19,6 +19,7 @@ private slots:
     void it_is_hidden_at_first_also_when_its_window_is_shown();
     void the_list_stands_where_the_layout_says();
     void a_layout_without_the_list_box_does_no_harm();
+    void a_list_box_without_a_size_has_no_background();
     void the_list_shows_the_panel_s_background_behind_it();
 
     void moving_the_cursor_announces_the_row();
@@ -113,6 +114,26 @@ void TestPlayListWidget::the_list_stands_where_the_layout_says()
     QCOMPARE(list()->rowHeight(), 22);
     QCOMPARE(list()->font(), device_font(QStringLiteral("v28"), 12, 50));
     QCOMPARE(list()->parentWidget(), panel_.get());
+}
+
+void TestPlayListWidget::a_list_box_without_a_size_has_no_background()
+{
+    panel_.reset();
+    QFile layout(QPEApplication::qpeDir() + QStringLiteral("pics/tavel_video/config"));
+    QVERIFY(layout.open(QIODevice::ReadOnly));
+    const QByteArray text = layout.readAll().replace("[PLAYLIST_LISTBOX]", "[ANOTHER_LISTBOX]");
+    layout.close();
+    QVERIFY(layout.open(QIODevice::WriteOnly));
+    QCOMPARE(layout.write(text), text.size());
+    layout.close();
+    panel_ = std::make_unique<PlayListWidget>(window_.get(), "PLAYLIST");
+    QVERIFY(list()->geometry().isEmpty());
+    QVERIFY(list()->backgroundPixmap().isNull());
+    QVERIFY(!panel_->backgroundPixmap().isNull());
+    panel_->setBackgroundPixmap(panel_->backgroundPixmap());
+    QVERIFY(list()->backgroundPixmap().isNull());
+    panel_->setAlphaOverride(100);
+    QVERIFY(list()->backgroundPixmap().isNull());
 }
 
 void TestPlayListWidget::a_layout_without_the_list_box_does_no_harm()

@@ -145,6 +145,18 @@ private slots:
         }
     }
 
+    void child_without_a_size_has_no_background()
+    {
+        make_bar("[TIME]\nbackground = time.png\n");
+        for (SkinWidget* child : std::initializer_list<SkinWidget*>{elapsed(), total(), slider()}) {
+            QCOMPARE(child->size(), QSize(0, 0));
+            QVERIFY(child->backgroundPixmap().isNull());
+        }
+        bar->setBackgroundPixmap(QPixmap::fromImage(striped_background()));
+        for (SkinWidget* child : std::initializer_list<SkinWidget*>{elapsed(), total(), slider()})
+            QVERIFY(child->backgroundPixmap().isNull());
+    }
+
     void bar_shows_its_background()
     {
         QCOMPARE(bar->backgroundPixmap().toImage().convertToFormat(QImage::Format_ARGB32), striped_background());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QRect>
 #include <QtCore/QString>
 #include <QtGui/QImage>
 
@@ -36,5 +37,12 @@ int bounded_size(int value);
 
 /// @p image with each pixel's alpha multiplied by @p alpha / 255 (rounded), colours unchanged. 255 changes nothing.
 QImage with_alpha(const QImage& image, unsigned char alpha);
+
+/// The piece of a picture (QImage or QPixmap) behind @p rectangle; null without a rectangle, for which the picture's
+/// own copy() would give the whole.
+template<typename Picture> Picture piece_of(const Picture& picture, const QRect& rectangle)
+{
+    return rectangle.isEmpty() ? Picture() : picture.copy(rectangle);
+}
 
 } // namespace SkinLayout

@@ -25,7 +25,7 @@ void SkinWidget::setBackgroundImage(const QImage& image)
 
 void SkinWidget::setBackgroundPixmap(const QPixmap& pixmap)
 {
-    m_background.set(pixmap.isNull() ? QPixmap() : pixmap.copy(geometry()));
+    m_background.set(SkinLayout::piece_of(pixmap, geometry()));
     update();
 }
 
