@@ -4,6 +4,7 @@
 #include "device_font.h"
 #include "list_row.h"
 #include "qpe_application.h"
+#include "skin_group.h"
 #include "skin_layout.h"
 
 #include <QKeyEvent>
@@ -42,12 +43,9 @@ ListPanel::ListPanel(QWidget* parent, const char* name, const QString& group, co
     : SkinBase(parent, name)
 {
     do_configloading(group);
-    Config layout(SkinLayout::file(this), Config::File);
-    layout.setGroup(list_box_group);
-    const QRect rectangle(SkinLayout::bounded_position(layout.readNumEntry(QStringLiteral("xpos"))),
-                          SkinLayout::bounded_position(layout.readNumEntry(QStringLiteral("ypos"))),
-                          SkinLayout::bounded_size(layout.readNumEntry(QStringLiteral("width"))),
-                          SkinLayout::bounded_size(layout.readNumEntry(QStringLiteral("height"))));
+    const SkinGroup layout(this, list_box_group);
+    const QRect rectangle(layout.position(QStringLiteral("xpos")), layout.position(QStringLiteral("ypos")),
+                          layout.size(QStringLiteral("width")), layout.size(QStringLiteral("height")));
 
     list_box_ = std::make_unique<ListBoxSkin>(this, "file_listbox");
     list_box_->setBackgroundPixmap(QPixmap::fromImage(SkinLayout::piece_of(backgroundImage(), rectangle)));

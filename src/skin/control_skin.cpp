@@ -2,8 +2,7 @@
 
 #include <cstdio>
 
-#include "config.h"
-#include "skin_layout.h"
+#include "skin_group.h"
 #include "volume_skin.h"
 
 namespace
@@ -20,12 +19,11 @@ ControlSkin::ControlSkin(QWidget* parent, const char* name, unsigned int flags) 
     long_press_timer_.setTimerType(Qt::PreciseTimer);
     do_configloading(LAYOUT_GROUP);
 
-    Config config(SkinLayout::file(this), Config::File);
-    config.setGroup(LAYOUT_GROUP);
+    const SkinGroup layout(this, LAYOUT_GROUP);
     volume_indicator_ = new VolumeSkin(this, QStringLiteral("VOLUME"), 0);
     volume_indicator_->set_volumeRange(VOLUME_MINIMUM, VOLUME_MAXIMUM, 1);
-    volume_indicator_->move(SkinLayout::bounded_position(config.readNumEntry(QStringLiteral("volume_xpos"))),
-                            SkinLayout::bounded_position(config.readNumEntry(QStringLiteral("volume_ypos"))));
+    volume_indicator_->move(layout.position(QStringLiteral("volume_xpos")),
+                            layout.position(QStringLiteral("volume_ypos")));
 
     connect(volume_indicator_, SIGNAL(app_volumes(unsigned int)), this, SLOT(volume_update(unsigned int)));
     connect(volume_indicator_, SIGNAL(app_mute(bool)), this, SLOT(set_mute(bool)));

@@ -2,7 +2,7 @@
 
 #include <QTimer>
 
-#include "config.h"
+#include "skin_group.h"
 #include "skin_layout.h"
 #include "slider_skin.h"
 #include "time_skin.h"
@@ -19,10 +19,8 @@ TimeWidget::~TimeWidget() = default;
 
 void TimeWidget::do_configloading(const QString& group)
 {
-    Config config(SkinLayout::file(this), Config::File);
-    config.setGroup(group);
-    background_ = std::make_unique<QImage>(
-        SkinLayout::load_image(SkinLayout::directory(this), config.readEntry(QStringLiteral("background"))));
+    const SkinGroup layout(this, group);
+    background_ = std::make_unique<QImage>(layout.image(QStringLiteral("background")));
     resize(background_->size());
     setBackgroundImage(*background_);
 
@@ -31,8 +29,7 @@ void TimeWidget::do_configloading(const QString& group)
     slider_ = new SliderSkin(this, group + QStringLiteral("_SLIDER"));
 
     const auto place = [&](SkinWidget* child, const char* x_key, const char* y_key) {
-        child->move(SkinLayout::bounded_position(config.readNumEntry(QLatin1String(x_key))),
-                    SkinLayout::bounded_position(config.readNumEntry(QLatin1String(y_key))));
+        child->move(layout.position(QLatin1String(x_key)), layout.position(QLatin1String(y_key)));
     };
     place(elapsed_, "current_xpos", "current_ypos");
     place(total_, "total_xpos", "total_ypos");
