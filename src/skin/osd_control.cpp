@@ -158,7 +158,8 @@ void OsdControl::draw_outlined(QImage& image)
             pixels[x] = pixel_of_coverage[pixels[x] & 0xFF];
     }
 
-    // All the pixels from here on are opaque or black: with and without premultiplied alpha they are the same words.
+    // All the pixels from here on are opaque or black, or as good as black where the further passes of a wide ring
+    // count in the blue: with and without premultiplied alpha they are the same words, or look the same.
     image.reinterpretAsFormat(QImage::Format_ARGB32);
     const int ring_width = std::max(1, qRound(image.devicePixelRatio()));
     add_ring(image, INNER_RING, ring_width);
