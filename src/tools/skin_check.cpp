@@ -1,5 +1,8 @@
 #include "skin_check.h"
 
+#include "skin_layout.h"
+#include "time_skin.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QRegularExpression>
@@ -12,11 +15,6 @@ namespace
 {
 
 constexpr QRect screen(0, 0, 480, 272);
-constexpr int largest_side = 2048;
-// As far as the player takes a coordinate; what stands there reaches out of everything.
-constexpr int farthest_position = 16384;
-constexpr int digit_cells = 11;
-constexpr int widest_time = 7;
 
 enum class Kind { Number, Size, Picture, Names, Color, Alignment };
 
@@ -323,7 +321,7 @@ std::optional<int> SkinCheck::number(const Group& group, const QString& key) con
         return std::nullopt;
     bool good = false;
     const int value = place->value.toInt(&good);
-    return good ? std::optional<int>(std::clamp(value, -farthest_position, farthest_position)) : std::nullopt;
+    return good ? std::optional<int>(SkinLayout::bounded_position(value)) : std::nullopt;
 }
 
 int SkinCheck::number_of(const QString& group_name, const QString& key, int fallback) const
@@ -345,7 +343,8 @@ QSize SkinCheck::picture_size(const Entry& entry)
         QImageReader reader(path);
         size = reader.size();
         // The header of a damaged file may be whole.
-        if (size.isValid() && std::max(size.width(), size.height()) <= largest_side && reader.read().isNull())
+        if (size.isValid() && std::max(size.width(), size.height()) <= SkinLayout::largest_side &&
+            reader.read().isNull())
             size = QSize();
     }
     m_picture_sizes.insert(entry.value, size);
@@ -423,10 +422,10 @@ void SkinCheck::check_picture(const Entry& entry)
     const QSize size = picture_size(entry);
     if (!size.isValid())
         fault(entry.line, QStringLiteral("picture \"%1\" cannot be read").arg(entry.value));
-    else if (std::max(size.width(), size.height()) > largest_side)
+    else if (std::max(size.width(), size.height()) > SkinLayout::largest_side)
         fault(entry.line, QStringLiteral("picture \"%1\" is %2: no side may be longer than %3")
                               .arg(entry.value, size_text(size))
-                              .arg(largest_side));
+                              .arg(SkinLayout::largest_side));
 }
 
 // Panels and buttons
@@ -564,7 +563,7 @@ QSize SkinCheck::indicator_size(const QString& name)
         size = QSize(track.width(), std::max(track.height(), picture_size(name, QStringLiteral("handle")).height()));
     } else {
         const QSize digits = picture_size(name, QStringLiteral("digits"));
-        size = QSize(digits.width() / digit_cells * widest_time, digits.height());
+        size = QSize(digits.width() / TimeSkin::digit_cells * TimeSkin::widest_text, digits.height());
     }
     const int width = number_of(name, QStringLiteral("width"), 0);
     const int height = number_of(name, QStringLiteral("height"), 0);
@@ -596,10 +595,10 @@ void SkinCheck::check_indicators()
     }
     for (const char* name : {"TIME_CURRENT", "TIME_TOTAL"}) {
         const Entry* const digits = entry(text_of(name), QStringLiteral("digits"));
-        if (digits && picture_size(*digits).isValid() && picture_size(*digits).width() % digit_cells != 0)
+        if (digits && picture_size(*digits).isValid() && picture_size(*digits).width() % TimeSkin::digit_cells != 0)
             fault(digits->line, QStringLiteral("picture \"%1\" is %2: its width must be a multiple of %3")
                                     .arg(digits->value, size_text(picture_size(*digits)))
-                                    .arg(digit_cells));
+                                    .arg(TimeSkin::digit_cells));
     }
 }
 

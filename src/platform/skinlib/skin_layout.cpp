@@ -7,14 +7,6 @@
 
 #include <algorithm>
 
-namespace
-{
-
-// Widgets reach about this far; anything beyond is a slip of the pen and must not overflow a rectangle.
-constexpr int farthest_position = 16384;
-
-} // namespace
-
 QString SkinLayout::directory(const QWidget* widget)
 {
     return QPEApplication::qpeDir() + QLatin1String("pics/") + widget->window()->objectName();

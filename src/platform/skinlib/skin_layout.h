@@ -29,7 +29,11 @@ QImage load_image(const QString& path);
 /// Reads the picture whose file name is @p value inside @p skin_directory. An empty value gives a null image.
 QImage load_image(const QString& skin_directory, const QString& value);
 
-/// Keeps a coordinate from a layout file inside what widgets can be moved to.
+/// How far from 0 a coordinate is still taken as it is, in pixels. Widgets reach about this far; anything beyond is a
+/// slip of the pen and must not overflow a rectangle.
+constexpr int farthest_position = 16384;
+
+/// Keeps a coordinate from a layout file between -farthest_position and farthest_position.
 int bounded_position(int value);
 
 /// Keeps a width or height from a layout file between 0 and largest_side.

@@ -10,8 +10,6 @@
 namespace
 {
 
-constexpr int digit_cells = 11; // 0 to 9 and the colon
-constexpr int widest_text = 7;  // "9:59:59"
 constexpr int standard_points = 12;
 constexpr int largest_points = 100;
 constexpr int standard_weight = 50;

@@ -13,6 +13,11 @@ class TimeSkin : public SkinWidget
     Q_OBJECT
 
 public:
+    /// The cells of the digit picture, side by side and of one width: 0 to 9 and the colon.
+    static constexpr int digit_cells = 11;
+    /// The characters of the longest text that a readout has room for, "9:59:59", unless the skin gives its width.
+    static constexpr int widest_text = 7;
+
     TimeSkin(QWidget* parent, const QString& name, unsigned int flags = 0);
 
     /// What is shown now.
@@ -31,7 +36,7 @@ private:
     void read_layout();
 
     QString m_text;
-    QImage m_digits; // eleven cells of one width: 0 to 9 and the colon
+    QImage m_digits; // digit_cells of them
     QFont m_font;
     QColor m_color;
     Qt::Alignment m_alignment;
