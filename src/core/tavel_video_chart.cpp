@@ -972,6 +972,7 @@ void TavelVideo::exit_speed_playing()
     if (time_bar_->scan_direction() != TimeWidget::ScanDirection::None)
         time_bar_->cancel_scan();
     time_bar_->set_enable();
+    // Controls that could not be hidden for the scan keep their bar: nothing would bring it back to them.
     if (full_screen_)
         time_bar_->hide();
     time_bar_->move(TIME_BAR_PLACE);

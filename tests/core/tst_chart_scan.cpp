@@ -97,6 +97,23 @@ private slots:
         QCOMPARE(player->window()->position(), Time(0));
     }
 
+    void a_bar_scan_beside_shown_controls_leaves_them_their_time_bar()
+    {
+        play_at(4000);
+        // The controls are not hidden while another window is the active one.
+        player->post(player_event::open_browser);
+        player->settle();
+        player->post(player_event::scan_forward);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::speed_playing_state));
+        QVERIFY(!player->window()->is_full_screen());
+        player->post(player_event::play);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::play_state));
+        QCOMPARE(player->time_bar()->pos(), QPoint(0, 192));
+        QVERIFY(player->time_bar()->isVisible());
+    }
+
     void a_seek_and_the_end_are_ignored_during_a_bar_scan()
     {
         play_at(4000);
