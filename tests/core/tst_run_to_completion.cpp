@@ -175,6 +175,28 @@ private slots:
         QTRY_VERIFY(player->in(&TavelVideo::play_state));
     }
 
+    void an_answer_about_the_film_before_does_not_count_for_the_next()
+    {
+        QTcpSocket first;
+        QTcpSocket second;
+        connect_peer(first);
+        connect_peer(second);
+        QSignalSpy answers(player->window()->socket(), &VeskSocket::received);
+        player->hand_over(player->make_files(2));
+        QTRY_VERIFY(player->in(&TavelVideo::file_loaded_state));
+        say(first, "OK");
+        QTRY_COMPARE(answers.size(), 1);
+        player->window()->play_event(1, 0);
+        QTRY_COMPARE(player->playlist()->get_now_playing(), 1);
+        say(first, "OK");
+        QTRY_COMPARE(answers.size(), 2);
+        player->settle();
+        QVERIFY(player->in(&TavelVideo::file_loaded_state));
+        QVERIFY(!player->in(&TavelVideo::streaming_state));
+        say(second, "OK");
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+    }
+
     void a_player_that_goes_away_does_not_keep_the_film_waiting()
     {
         QTcpSocket peer;
