@@ -356,6 +356,24 @@ private slots:
         QCOMPARE(player->window()->y(), 94);
     }
 
+    void after_a_stop_on_the_tv_the_controls_start_from_their_place_again()
+    {
+        player->play_a_film();
+        player->post(player_event::switch_screen);
+        player->settle();
+        for (int i = 0; i < 3; ++i)
+            player->click(Qt::Key_Up);
+        QCOMPARE(player->window()->y(), 74);
+        player->post(player_event::stop);
+        player->settle();
+        QCOMPARE(player->window()->y(), 104);
+        player->post(player_event::play);
+        QTRY_VERIFY(player->in(&TavelVideo::play_state));
+        player->settle();
+        player->click(Qt::Key_Up);
+        QCOMPARE(player->window()->y(), 94);
+    }
+
     void a_tv_at_the_start_is_taken_at_once()
     {
         player.reset();
