@@ -19,6 +19,7 @@ namespace
 {
 
 int recordings = 0;
+int lost_cursors = 0;
 int depth = 0;
 
 bool is_recording()
@@ -118,6 +119,8 @@ public:
         const Call call(line_of("playlist can_entry"));
         return PlayListWidget::can_entry();
     }
+    using PlayListWidget::get_current_index;
+    int get_current_index() const override { return lost_cursors > 0 ? -1 : PlayListWidget::get_current_index(); }
     void set_current_index(int index) override
     {
         const Call call(line_of("playlist set_current_index", index));
@@ -379,4 +382,14 @@ call_recorder::Recording::Recording()
 call_recorder::Recording::~Recording()
 {
     --recordings;
+}
+
+call_recorder::WithoutCursor::WithoutCursor()
+{
+    ++lost_cursors;
+}
+
+call_recorder::WithoutCursor::~WithoutCursor()
+{
+    --lost_cursors;
 }

@@ -24,4 +24,14 @@ public:
     Recording& operator=(const Recording&) = delete;
 };
 
+/// The recorded playlist says that its cursor is nowhere while one lives, as if its list box had lost it.
+class WithoutCursor
+{
+public:
+    WithoutCursor();
+    ~WithoutCursor();
+    WithoutCursor(const WithoutCursor&) = delete;
+    WithoutCursor& operator=(const WithoutCursor&) = delete;
+};
+
 } // namespace call_recorder

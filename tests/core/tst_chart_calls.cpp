@@ -275,6 +275,19 @@ private slots:
                 log.indexOf(QStringLiteral("settings set_player 1")));
     }
 
+    void a_cursor_that_is_nowhere_goes_to_the_row_that_was_playing()
+    {
+        start_stopped(3, 1);
+        {
+            const call_recorder::WithoutCursor nowhere;
+            act(player_event::load, player_event::EntryRequest{2, 0});
+        }
+        COMPARE_CALLS(player->log(), QStringList("-> file_parsed_state") + leave_file_parsed() +
+                                         QStringList("playlist set_current_index 1") + enter_file_parsed(2, files[2]) +
+                                         enter_stop());
+        QCOMPARE(player->playlist()->get_now_playing(), 2);
+    }
+
     void an_mpeg_file_disables_the_time_bar_and_starts_from_0()
     {
         scripted_engine::set_info(QStringLiteral("container"), QStringLiteral("name"), QStringLiteral("MPEG"));
@@ -716,6 +729,7 @@ private slots:
         QTest::newRow("none") << 0 << -1 << QString();
         QTest::newRow("first") << 8 << 0 << "get_subtitles 0";
         QTest::newRow("last") << 8 << 7 << "get_subtitles 7";
+        QTest::newRow("beyond the last") << 9 << 8 << QString();
     }
     void the_chosen_subtitle_track_is_fetched()
     {
@@ -726,6 +740,7 @@ private slots:
                                   QString::number(tracks));
         start_stopped(1);
         player->combo("subtitle_combo_track")->setCurrentIndex(choice);
+        QCOMPARE(player->combo("subtitle_combo_track")->currentIndex(), choice);
         act(player_event::play);
         const QStringList log = scripted_engine::full_log();
         const QStringList asked =
