@@ -215,6 +215,17 @@ private:
 
     /// @name Engine
     /// @{
+    /// The passage that is repeated, as far as it is set.
+    enum class RepeatMode : int {
+        Off = 0,
+        SetA = 1,  ///< A is set
+        SetAB = 2, ///< A and B are set: the passage is repeated
+    };
+    enum class Scan : int {
+        Back = -1,
+        None = 0,
+        Forward = 1,
+    };
     void post(int type);
     void post_from_engine(int type);
     void post_report(int type, unsigned int file);
@@ -251,7 +262,7 @@ private:
     void step_repeat();
     void set_colours();
     void set_speed(SpeedCode code);
-    bool begin_scan(bool forward);
+    bool begin_scan(Scan scan);
     void enter_speed_playing();
     void exit_speed_playing();
     bool resume_from_scan();
@@ -412,11 +423,11 @@ private:
     std::atomic<bool> seeking_ = false; ///< position reports are ignored
     std::atomic<bool> seek_allowed_ = false;
     std::atomic<bool> subtitles_on_ = false;
-    std::atomic<int> repeat_mode_ = 0; ///< 0 off, 1 A set, 2 A and B set
+    std::atomic<RepeatMode> repeat_mode_ = RepeatMode::Off;
     std::atomic<Time> repeat_a_ = 0;
     std::atomic<Time> repeat_b_ = 0;
     std::atomic<bool> past_b_ = false;          ///< this crossing of B has asked for its seek
-    std::atomic<int> scan_watch_ = 0;           ///< key-frame scan whose end is awaited: 1 forward, -1 back, 0 none
+    std::atomic<Scan> scan_watch_ = Scan::None; ///< the key-frame scan whose end is awaited
     std::atomic<unsigned int> file_number_ = 1; ///< grows with each opening and closing
     ReportGate gate_;                           ///< shut while the display is switched or key frames are scanned
 
@@ -433,8 +444,7 @@ private:
     bool failure_handled_ = false;                    ///< until the next file is chosen
     bool quiet_cursor_ = false;                       ///< the playlist's cursor is being moved by the program
     bool started_ = false;                            ///< the film was started
-    bool scanning_bar_ = false;                       ///< the time bar scans
-    bool scan_forward_ = false;                       ///< direction of the scan that begins
+    Scan scan_ = Scan::None;                          ///< the scan that began last
     SettingWidget::TrickMode scan_mode_ = SettingWidget::TrickMode::SeekBarOnly;
     bool picture_plane_on_ = false;
     bool hidden_for_privacy_ = false;

@@ -98,7 +98,7 @@ void TavelVideo::go(Tran* tran, State target)
 
 TavelVideo::State TavelVideo::initial(const QEvent*)
 {
-    repeat_mode_ = 0;
+    repeat_mode_ = RepeatMode::Off;
     reset_repeatAB();
     index_ = -1;
     start_position_ms_ = 0;
@@ -465,7 +465,7 @@ TavelVideo::State TavelVideo::play_state(const QEvent* e)
         return State();
     case player_event::scan_forward:
     case player_event::scan_back:
-        if (begin_scan(static_cast<int>(e->type()) == player_event::scan_forward)) {
+        if (begin_scan(static_cast<int>(e->type()) == player_event::scan_forward ? Scan::Forward : Scan::Back)) {
             static Tran tran;
             go(&tran, &TavelVideo::speed_playing_state);
         }
@@ -744,7 +744,7 @@ void TavelVideo::exit_file_loaded()
     const bool same_row = playlist_->get_filename(playlist_->get_now_playing()) == opened_file_;
     playlist_->save_now_playing(same_row ? static_cast<unsigned int>(position_) : 0);
     position_ = 0;
-    repeat_mode_ = 0;
+    repeat_mode_ = RepeatMode::Off;
     reset_repeatAB();
     time_bar_->set_slidervalue(0);
     close_subtitles();
@@ -872,15 +872,15 @@ bool TavelVideo::bookmark_position()
 void TavelVideo::step_repeat()
 {
     switch (repeat_mode_) {
-    case 0:
+    case RepeatMode::Off:
         repeat_a_ = position_.load();
         time_bar_->set_repeatA(static_cast<unsigned int>(repeat_a_ / 1000));
         control_bar_->hideButton(QStringLiteral("repeatA"));
         control_bar_->showFocus(QStringLiteral("repeatB"));
         display_information(text(TavelVideoString::SetA));
-        repeat_mode_ = 1;
+        repeat_mode_ = RepeatMode::SetA;
         break;
-    case 1: {
+    case RepeatMode::SetA: {
         const Time last = std::max<Time>(repeat_a_, position_);
         Time first = std::min<Time>(repeat_a_, position_);
         // Near the end of the film the passage grows backward: a B behind the end would never be passed.
@@ -894,11 +894,11 @@ void TavelVideo::step_repeat()
         control_bar_->hideButton(QStringLiteral("repeatB"));
         control_bar_->showFocus(QStringLiteral("repeatAB"));
         display_information(text(TavelVideoString::SetB));
-        repeat_mode_ = 2;
+        repeat_mode_ = RepeatMode::SetAB;
         break;
     }
-    default:
-        repeat_mode_ = 0;
+    case RepeatMode::SetAB:
+        repeat_mode_ = RepeatMode::Off;
         time_bar_->clear_repeatAB();
         control_bar_->hideButton(QStringLiteral("repeatAB"));
         control_bar_->showFocus(QStringLiteral("repeatA"));
@@ -921,17 +921,18 @@ void TavelVideo::set_speed(SpeedCode code)
 }
 
 /// @return false when the engine refused.
-bool TavelVideo::begin_scan(bool forward)
+bool TavelVideo::begin_scan(Scan scan)
 {
+    const bool forward = scan == Scan::Forward;
     scan_mode_ = settings_->get_trick_mode();
-    scan_forward_ = forward;
+    scan_ = scan;
     if (scan_mode_ == SettingWidget::TrickMode::VideoKeyFrames) {
         gate_.shut();
-        scan_watch_ = forward ? 1 : -1;
+        scan_watch_ = scan;
         const unsigned int status =
             forward ? media_player_->scan_forward(SCAN_RATE) : media_player_->scan_backward(SCAN_RATE);
         if (status != rask::ok) {
-            scan_watch_ = 0;
+            scan_watch_ = Scan::None;
             post_failure();
             post_held_back(gate_.open());
             return false;
@@ -954,7 +955,7 @@ void TavelVideo::enter_speed_playing()
     time_bar_->show();
     // Disabling the bar has put it to 0.
     time_bar_->set_slidervalue(static_cast<unsigned int>(position_ / 1000));
-    if (scan_forward_)
+    if (scan_ == Scan::Forward)
         time_bar_->start_forward_scan();
     else
         time_bar_->start_reverse_scan();
@@ -962,7 +963,7 @@ void TavelVideo::enter_speed_playing()
 
 void TavelVideo::exit_speed_playing()
 {
-    scan_watch_ = 0;
+    scan_watch_ = Scan::None;
     seeking_ = false;
     // The seek that a crossing of B asked for during the scan was ignored: ask again.
     past_b_ = false;

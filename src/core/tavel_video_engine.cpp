@@ -77,7 +77,7 @@ void TavelVideo::stream_event(StreamType type, StreamState state)
 /// Each crossing of B asks for one seek; a position before B ends the crossing.
 void TavelVideo::check_repeat(Time position)
 {
-    if (repeat_mode_ != 2 || position <= repeat_b_) {
+    if (repeat_mode_ != RepeatMode::SetAB || position <= repeat_b_) {
         past_b_ = false;
         return;
     }
@@ -91,10 +91,10 @@ void TavelVideo::check_repeat(Time position)
 /// A key-frame scan that has come to either end of the film ends.
 void TavelVideo::check_scan_end(Time position)
 {
-    const int watch = scan_watch_;
-    if (watch == 0)
+    const Scan watched = scan_watch_;
+    if (watched == Scan::None)
         return;
-    const bool at_end = watch > 0 ? total_ms_ > 0 && position >= total_ms_ : position <= 0;
+    const bool at_end = watched == Scan::Forward ? total_ms_ > 0 && position >= total_ms_ : position <= 0;
     if (at_end)
         end_watched_scan();
 }
@@ -103,7 +103,7 @@ void TavelVideo::check_scan_end(Time position)
 /// length that it states, and its end is held back until the scan is over.
 void TavelVideo::end_watched_scan()
 {
-    if (scan_watch_.exchange(0) != 0)
+    if (scan_watch_.exchange(Scan::None) != Scan::None)
         post_report(player_event::play, file_number_);
 }
 

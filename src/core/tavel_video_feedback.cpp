@@ -335,7 +335,7 @@ void TavelVideo::update_buttons()
     if (settings_->get_repeatab_enabled()) {
         reset_repeatAB();
     } else {
-        repeat_mode_ = 0;
+        repeat_mode_ = RepeatMode::Off;
         time_bar_->clear_repeatAB();
         control_bar_->show_repeatab(false);
     }
@@ -345,7 +345,7 @@ void TavelVideo::reset_repeatAB()
 {
     if (!settings_->get_repeatab_enabled())
         return;
-    repeat_mode_ = 0;
+    repeat_mode_ = RepeatMode::Off;
     control_bar_->showNormal(QStringLiteral("repeatA"));
     control_bar_->hideButton(QStringLiteral("repeatB"));
     control_bar_->hideButton(QStringLiteral("repeatAB"));
