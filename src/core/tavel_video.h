@@ -244,6 +244,7 @@ private:
     void go(Tran* tran, State target);
     void close_application();
     void choose_entry(const QEvent* e);
+    QString now_playing_file() const;
     void enter_no_file();
     void enter_file_parsed();
     void describe_parsed_file(const QString& file);

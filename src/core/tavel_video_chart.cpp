@@ -289,7 +289,7 @@ TavelVideo::State TavelVideo::stop_state(const QEvent* e)
     case exit_event:
         return State();
     case player_event::play:
-        if (QFile::exists(playlist_->get_filename(playlist_->get_now_playing()))) {
+        if (QFile::exists(now_playing_file())) {
             static Tran tran;
             go(&tran, &TavelVideo::file_loaded_state);
         } else {
@@ -620,6 +620,11 @@ void TavelVideo::choose_entry(const QEvent* e)
     }
 }
 
+QString TavelVideo::now_playing_file() const
+{
+    return playlist_->get_filename(playlist_->get_now_playing());
+}
+
 void TavelVideo::enter_no_file()
 {
     control_bar_->showFocus(QStringLiteral("open"));
@@ -695,7 +700,7 @@ void TavelVideo::exit_file_parsed()
 /// The file cannot be played: it goes out of the playlist, with a notice.
 void TavelVideo::show_playback_failure()
 {
-    const bool exists = QFile::exists(playlist_->get_filename(playlist_->get_now_playing()));
+    const bool exists = QFile::exists(now_playing_file());
     playlist_->remove_now_playing();
     playlist_->save_now_playing(0);
     position_ = 0;
@@ -741,7 +746,7 @@ void TavelVideo::exit_file_loaded()
     loading_->hide();
     set_picture_plane(false);
     display_information(text(TavelVideoString::Stop));
-    const bool same_row = playlist_->get_filename(playlist_->get_now_playing()) == opened_file_;
+    const bool same_row = now_playing_file() == opened_file_;
     playlist_->save_now_playing(same_row ? static_cast<unsigned int>(position_) : 0);
     position_ = 0;
     repeat_mode_ = RepeatMode::Off;
@@ -790,7 +795,7 @@ bool TavelVideo::is_waiting_to_start() const
 bool TavelVideo::load_movie()
 {
     reset_display();
-    const QString file = playlist_->get_filename(playlist_->get_now_playing());
+    const QString file = now_playing_file();
     const QByteArray name = file.toUtf8();
     close_subtitles();
     if (open_in_engine(file) != rask::ok) {
@@ -847,7 +852,7 @@ void TavelVideo::announce_loaded_film()
 
 void TavelVideo::reopen_after_stop()
 {
-    if (open_in_engine(playlist_->get_filename(playlist_->get_now_playing())) != rask::ok) {
+    if (open_in_engine(now_playing_file()) != rask::ok) {
         post_failure();
         return;
     }
@@ -863,7 +868,7 @@ bool TavelVideo::bookmark_position()
         show_notice(text(TavelVideoString::BookmarkListFull));
         return false;
     }
-    add_bookmark(playlist_->get_filename(playlist_->get_now_playing()), static_cast<unsigned int>(position_ / 1000));
+    add_bookmark(now_playing_file(), static_cast<unsigned int>(position_ / 1000));
     display_information(text(TavelVideoString::Bookmark));
     return true;
 }
