@@ -10,7 +10,7 @@ namespace player_event
 
 /// Numbers of the custom events; 1000 to 1003 are the state machine's own.
 enum Number : int {
-    play = 2000,              ///< play or resume; carries a LoadNumber when it only ends the wait for others
+    play = 2000,              ///< play or resume; a LoadNumber ends the wait for others, an EngineReport a scan
     pause = 2001,             ///< hold the picture; carries a ForNavigation, or nothing for the viewer
     stop = 2002,              ///< stop, the file stays chosen; carries a KeepPlace, or nothing for the beginning
     seek = 2003,              ///< carries a SeekRequest
@@ -39,21 +39,21 @@ enum Number : int {
     refresh_buttons = 2200,   ///< the settings' choice of control bar buttons has changed
     audio_track = 2201,       ///< another audio track was chosen
     replay = 2202,            ///< play the same file anew from where it is
-    reload_subtitles = 2203,  ///< the subtitles' list or look has changed
-    reset_display = 2204,     ///< place the picture anew
-    picture_colour = 2205,    ///< red, green or blue has changed
-    switch_screen = 2300,     ///< LCD to TV or back
-    unload = 2302,            ///< give the file up for the time being
-    reload = 2303,            ///< take up what was given up
-    engine_error = 3000,      ///< carries an EngineReport or a Failure
-    engine_playing = 3002,    ///< carries an EngineReport, as the next five do
-    engine_paused = 3003,     ///< playback is held
-    engine_stopped = 3004,    ///< playback has stopped
-    end_of_stream = 3005,     ///< the end of the film was reached
-    stream_started = 3006,    ///< playback began, or goes on after a seek
-    engine_prepared = 3007,   ///< the first frame can be shown
-    wait_for_players = 3009,  ///< ask again whether the other players are silent; carries a LoadNumber
-    taken_by_name = 3010,     ///< of buttons taken by name; "pagedown" without seeking posts it, nobody acts on it
+    reload_subtitles = 2203, ///< the subtitles' list or look has changed, or (an EngineReport) the engine has read more
+    reset_display = 2204,    ///< place the picture anew
+    picture_colour = 2205,   ///< red, green or blue has changed
+    switch_screen = 2300,    ///< LCD to TV or back
+    unload = 2302,           ///< give the file up for the time being
+    reload = 2303,           ///< take up what was given up
+    engine_error = 3000,     ///< carries an EngineReport or a Failure
+    engine_playing = 3002,   ///< carries an EngineReport, as the next five do
+    engine_paused = 3003,    ///< playback is held
+    engine_stopped = 3004,   ///< playback has stopped
+    end_of_stream = 3005,    ///< the end of the film was reached
+    stream_started = 3006,   ///< playback began, or goes on after a seek
+    engine_prepared = 3007,  ///< the first frame can be shown
+    wait_for_players = 3009, ///< ask again whether the other players are silent; carries a LoadNumber
+    taken_by_name = 3010,    ///< of buttons taken by name; "pagedown" without seeking posts it, nobody acts on it
 };
 
 /// The value of an event 2001 that the navigation program asked for: its own wish to go on takes it back.
@@ -78,7 +78,8 @@ struct EntryRequest {
     unsigned int position_ms = 0;
 };
 
-/// Which loading of a file an internal step belongs to; it is dropped when another one has begun since.
+/// Which wait for the other players an internal step belongs to; it is dropped when that wait is over, because the film
+/// was started or left.
 struct LoadNumber {
     unsigned int number = 0;
 };

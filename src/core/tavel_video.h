@@ -441,14 +441,12 @@ private:
     player_event::SeekRequest seek_request_;          ///< the pending seek
     std::vector<std::unique_ptr<QCustomEvent>> kept_; ///< requests to post again once playback goes on
     unsigned int chosen_file_ = 0;                    ///< counts the files that were chosen
-    unsigned int load_number_ = 0;                    ///< counts the loadings
+    unsigned int load_number_ = 0;                    ///< grows when a loaded film is started and when it is left
     bool failure_handled_ = false;                    ///< until the next file is chosen
     bool quiet_cursor_ = false;                       ///< the playlist's cursor is being moved by the program
     bool started_ = false;                            ///< the film was started
     Scan scan_ = Scan::None;                          ///< the scan that began last
     SettingWidget::TrickMode scan_mode_ = SettingWidget::TrickMode::SeekBarOnly;
-    bool picture_plane_on_ = false;
-    bool hidden_for_privacy_ = false;
     bool settings_open_ = false;
     bool browser_open_ = false;
     int event_number_ = 0; ///< the event being acted on, for the trace
@@ -474,7 +472,9 @@ private:
     int screen_switches_ahead_ = 0; ///< asked for and not acted on yet
 
     // Screens.
-    bool full_screen_ = false; ///< the controls are hidden
+    bool picture_plane_on_ = false;
+    bool hidden_for_privacy_ = false; ///< the picture, while the film is paused
+    bool full_screen_ = false;        ///< the controls are hidden
     bool tv_out_ = false;
     bool spdif_active_ = false;
     int controls_offset_ = 0; ///< pixels by which the controls are moved up on a TV
