@@ -528,13 +528,21 @@ private slots:
     void a_bookmark_holds_file_and_whole_seconds()
     {
         player->play_a_film();
+        const QString file = player->playlist()->get_filename(0);
         scripted_engine::run_to(3725);
         player->post(player_event::add_bookmark);
         player->settle();
-        QCOMPARE(player->bookmarks()->get_count(), 1);
         QVERIFY(player->informs(QStringLiteral("[ BOOKMARK ]")));
-        QSignalSpy chosen(player->bookmarks(), SIGNAL(selected_file_play(const QString&, unsigned int)));
-        QVERIFY(QFile(QPEApplication::qpeDir() + QStringLiteral("etc/tavel_video/bookmark.dat")).exists());
+        QCOMPARE(player->bookmarks()->get_count(), 1);
+        QSignalSpy chosen(player->bookmarks(), &BookmarkWidget::selected_file_play);
+        player->click(Qt::Key_Tab);
+        player->settle();
+        player->control_event("bookmark_list");
+        player->bookmarks()->focus_filelist();
+        player->click(Qt::Key_Return);
+        QCOMPARE(chosen.size(), 1);
+        QCOMPARE(chosen[0][0].toString(), file);
+        QCOMPARE(chosen[0][1].toUInt(), 3000U);
     }
 
     void the_hundredth_bookmark_is_refused_with_a_notice()
