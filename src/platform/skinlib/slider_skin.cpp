@@ -125,7 +125,6 @@ void SliderSkin::take_back_hold()
     if (!m_held)
         return;
     m_held = false;
-    update();
     show_value(m_set_value);
 }
 
