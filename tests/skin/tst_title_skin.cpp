@@ -275,7 +275,6 @@ private slots:
     void each_step_of_a_scrolling_name_comes_to_the_screen()
     {
         title->set_filename(long_name());
-        timer_of(*title)->setInterval(std::chrono::hours(1));
         PaintRecord painted(title);
         QVERIFY(painted.begin());
         tick(*title);
