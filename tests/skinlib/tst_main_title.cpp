@@ -7,10 +7,10 @@
 #include "file_manager_play_list.h"
 #include "file_manager_view.h"
 #include "main_title.h"
+#include "paint_record.h"
 #include "qcop_channel.h"
 #include "qpe_application.h"
 #include "scripted_engine.h"
-#include "test_main.h"
 #include "text_codec.h"
 
 #include <fcntl.h>
@@ -34,6 +34,8 @@ private slots:
 
     void it_is_a_window_without_a_frame_as_large_as_the_screen();
     void it_shows_its_caption();
+    void another_caption_comes_to_the_screen();
+    void another_word_for_nothing_comes_to_the_screen();
     void the_film_shines_through();
     void everything_is_large_enough_for_a_thumb();
     void a_hidden_window_reads_nothing();
@@ -314,6 +316,22 @@ void TestMainTitle::it_shows_its_caption()
     window_->setCaption(QStringLiteral("Video File Manager"));
     QCOMPARE(window_->caption(), QStringLiteral("Video File Manager"));
     QVERIFY(window_->grab(QRect(10, 0, 300, 33)).toImage() != without);
+}
+
+void TestMainTitle::another_caption_comes_to_the_screen()
+{
+    PaintRecord painted(window_.get());
+    QVERIFY(painted.begin());
+    window_->setCaption(QStringLiteral("Films"));
+    QTRY_VERIFY(painted.covers_all());
+}
+
+void TestMainTitle::another_word_for_nothing_comes_to_the_screen()
+{
+    PaintRecord painted(view_->viewport());
+    QVERIFY(painted.begin());
+    view_->set_empty_text(QStringLiteral("Nothing"));
+    QTRY_VERIFY(painted.covers_all());
 }
 
 void TestMainTitle::the_film_shines_through()
