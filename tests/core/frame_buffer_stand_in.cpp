@@ -1,5 +1,5 @@
-// A frame buffer for tests: preloaded into a program, it has a plain file answer what is asked of a frame buffer
-// device. The file's size tells the resolution's; TAVEL_FRAME_BUFFER holds it as "width height bits".
+// A frame buffer for tests: preloaded into a program, it has a plain file answer what is asked of a frame buffer device.
+// TAVEL_FRAME_BUFFER tells its width, height and bits of a pixel, as "480 272 32".
 
 #include <linux/fb.h>
 
