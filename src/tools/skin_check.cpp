@@ -177,6 +177,24 @@ constexpr SameSizeRule same_size_rules[] = {
     {"TIME_SLIDER", "handle_disable", "handle"},
 };
 
+/// A picture that the player looks for by its name, whatever the layout file says. It need not be there.
+struct FixedPictureRule {
+    const char* name;
+    QSize size;        ///< that it must have; none where any will do
+    const char* model; ///< the picture that it does not go without, nor in another size; null for none
+};
+
+constexpr FixedPictureRule fixed_picture_rules[] = {
+    {"close_normal", {}, nullptr},
+    {"close_focus", {}, "close_normal"},
+    {"close_press", {}, "close_normal"},
+    {"setting_title", {}, nullptr},
+    {"DIC/popup_bg", {312, 192}, nullptr},
+    {"DIC/search_bt", {260, 23}, nullptr},
+    {"DIC/bt_popup_close", {140, 25}, nullptr},
+    {"../SETTINGS/ver_video", {}, nullptr},
+};
+
 QString text_of(const char* text)
 {
     return QString::fromLatin1(text);
@@ -243,6 +261,7 @@ SkinCheck::SkinCheck(const QString& directory) : m_directory(directory)
     check_indicators();
     check_list_boxes();
     check_same_sizes();
+    check_fixed_pictures();
     std::stable_sort(m_faults.begin(), m_faults.end(),
                      [](const Fault& left, const Fault& right) { return left.line < right.line; });
 }
@@ -337,17 +356,20 @@ QSize SkinCheck::picture_size(const Entry& entry)
     const auto known = m_picture_sizes.constFind(entry.value);
     if (known != m_picture_sizes.cend())
         return *known;
-    QSize size;
-    const QString path = m_directory + QLatin1Char('/') + entry.value;
-    if (QFileInfo(path).isFile()) {
-        QImageReader reader(path);
-        size = reader.size();
-        // The header of a damaged file may be whole.
-        if (size.isValid() && std::max(size.width(), size.height()) <= SkinLayout::largest_side &&
-            reader.read().isNull())
-            size = QSize();
-    }
+    const QSize size = picture_size_of(m_directory + QLatin1Char('/') + entry.value);
     m_picture_sizes.insert(entry.value, size);
+    return size;
+}
+
+QSize SkinCheck::picture_size_of(const QString& path) const
+{
+    if (!QFileInfo(path).isFile())
+        return {};
+    QImageReader reader(path);
+    const QSize size = reader.size();
+    // The header of a damaged file may be whole.
+    if (size.isValid() && std::max(size.width(), size.height()) <= SkinLayout::largest_side && reader.read().isNull())
+        return {};
     return size;
 }
 
@@ -635,5 +657,31 @@ void SkinCheck::check_same_sizes()
         if (size.isValid() && model_size.isValid() && size != model_size)
             fault(other->line, QStringLiteral("picture \"%1\" is %2, but \"%3\" is %4")
                                    .arg(other->value, size_text(size), model->value, size_text(model_size)));
+    }
+}
+
+void SkinCheck::check_fixed_pictures()
+{
+    const auto path_of = [this](const char* name) {
+        return m_directory + QLatin1Char('/') + QLatin1String(name) + QLatin1String(".png");
+    };
+    // No line of the layout file is about them.
+    constexpr int line = 1;
+    for (const FixedPictureRule& row : fixed_picture_rules) {
+        const QString name = QLatin1String(row.name) + QLatin1String(".png");
+        const bool exists = QFileInfo(path_of(row.name)).isFile();
+        const QSize size = picture_size_of(path_of(row.name));
+        const QSize model_size = row.model ? picture_size_of(path_of(row.model)) : QSize();
+        if (!exists && model_size.isValid())
+            fault(line, QStringLiteral("picture \"%1\" is missing").arg(name));
+        else if (exists && !size.isValid())
+            fault(line, QStringLiteral("picture \"%1\" cannot be read").arg(name));
+        else if (exists && row.size.isValid() && size != row.size)
+            fault(
+                line,
+                QStringLiteral("picture \"%1\" is %2: it must be %3").arg(name, size_text(size), size_text(row.size)));
+        else if (exists && model_size.isValid() && size != model_size)
+            fault(line, QStringLiteral("picture \"%1\" is %2, but \"%3.png\" is %4")
+                            .arg(name, size_text(size), QLatin1String(row.model), size_text(model_size)));
     }
 }

@@ -53,6 +53,7 @@ private:
     void check_indicators();
     void check_list_boxes();
     void check_same_sizes();
+    void check_fixed_pictures();
 
     void fault(int line, const QString& text);
     const Group* group(const QString& name) const;
@@ -63,6 +64,7 @@ private:
     int number_of(const QString& group, const QString& key, int fallback) const;
     QSize picture_size(const QString& group, const QString& key);
     QSize picture_size(const Entry& entry);
+    QSize picture_size_of(const QString& path) const;
     QSize indicator_size(const QString& name);
 
     QString m_directory;

@@ -53,6 +53,9 @@ private slots:
     void each_fault_is_named_with_its_line();
     void buttons_on_one_spot_are_no_fault_when_one_replaces_the_other();
     void faults_come_in_the_order_of_the_lines();
+    void a_fault_of_a_picture_with_a_fixed_name_is_named_data();
+    void a_fault_of_a_picture_with_a_fixed_name_is_named();
+    void the_documentation_names_the_pictures_that_the_dialogs_load();
     void a_missing_layout_file_is_a_fault();
     void damaged_files_end_with_faults_data();
     void damaged_files_end_with_faults();
@@ -70,6 +73,7 @@ private:
 
 void TestSkinCheck::init()
 {
+    test_support::reset_directories();
     m_skin = std::make_unique<SkinMaker>();
     const auto picture = [this](const char* name, int width, int height) {
         m_skin->picture(QString::fromLatin1(name), QSize(width, height), Qt::red);
@@ -243,6 +247,58 @@ void TestSkinCheck::faults_come_in_the_order_of_the_lines()
     QCOMPARE(found.size(), 4);
     for (int index = 0; index < 4; ++index)
         QVERIFY(found.at(index).startsWith(QString::number(QList<int>{2, 4, 5, 6}.at(index)) + QLatin1Char(':')));
+}
+
+void TestSkinCheck::a_fault_of_a_picture_with_a_fixed_name_is_named_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QString>("fault");
+    const auto row = [](const char* name, QSize size, const char* fault) {
+        QTest::addRow("%s %dx%d", name, size.width(), size.height())
+            << QString::fromLatin1(name) << size << QString::fromLatin1(fault);
+    };
+    const QSize damaged;
+    row("close_normal.png", QSize(30, 28), "");
+    row("close_normal.png", damaged, "cannot be read");
+    row("close_focus.png", QSize(30, 27), "is 30x27, but \"close_normal.png\" is 30x28");
+    row("close_press.png", QSize(31, 28), "is 31x28, but \"close_normal.png\" is 30x28");
+    row("close_press.png", QSize(0, 0), "is missing");
+    row("setting_title.png", damaged, "cannot be read");
+    row("DIC/popup_bg.png", QSize(312, 192), "");
+    row("DIC/popup_bg.png", QSize(300, 192), "is 300x192: it must be 312x192");
+    row("DIC/search_bt.png", QSize(65, 23), "is 65x23: it must be 260x23");
+    row("DIC/bt_popup_close.png", QSize(35, 25), "is 35x25: it must be 140x25");
+    row("../SETTINGS/ver_video.png", damaged, "cannot be read");
+}
+
+void TestSkinCheck::a_fault_of_a_picture_with_a_fixed_name_is_named()
+{
+    QFETCH(QString, name);
+    QFETCH(QSize, size);
+    QFETCH(QString, fault);
+    QVERIFY(QDir(m_skin->directory()).mkpath(QStringLiteral("DIC")));
+    QVERIFY(QDir(m_skin->directory()).mkpath(QStringLiteral("../SETTINGS")));
+    for (const char* each : {"close_normal.png", "close_focus.png", "close_press.png"})
+        m_skin->picture(QString::fromLatin1(each), QSize(30, 28), Qt::red);
+    if (!size.isValid())
+        m_skin->file(name, "not a picture");
+    else if (size.isEmpty())
+        QVERIFY(QFile::remove(m_skin->directory() + QLatin1Char('/') + name));
+    else
+        m_skin->picture(name, size, Qt::red);
+    QCOMPARE(faults(),
+             fault.isEmpty() ? QStringList() : QStringList(QStringLiteral("1: picture \"%1\" %2").arg(name, fault)));
+}
+
+void TestSkinCheck::the_documentation_names_the_pictures_that_the_dialogs_load()
+{
+    QFile document(QStringLiteral(SKIN_FORMAT_DOCUMENT));
+    QVERIFY(document.open(QIODevice::ReadOnly));
+    const QByteArray text = document.readAll();
+    for (const char* name : {"close_normal", "close_focus", "close_press", "setting_title", "DIC/popup_bg",
+                             "DIC/search_bt", "DIC/bt_popup_close", "../SETTINGS/ver_video"})
+        QVERIFY2(text.contains(QByteArray("`") + name + '`'), name);
 }
 
 void TestSkinCheck::a_missing_layout_file_is_a_fault()
