@@ -1095,6 +1095,7 @@ void TavelVideo::place_settings_preview()
     set_picture_plane(false);
     const QRect place = tv_out_ ? TV_PREVIEW.translated(0, -controls_offset_) : LCD_PREVIEW;
     media_player_->set_video_window(place.x(), place.y(), place.width(), place.height());
+    settings_->place_preview();
     if (picture_was_on)
         set_picture_plane(true);
 }

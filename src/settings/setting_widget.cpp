@@ -155,6 +155,7 @@ void SettingWidget::place_preview()
     preview_->setGeometry(picture_rectangle());
     preview_->setVisible(picture_visible());
     preview_->raise();
+    update();
     // While it was hidden it did not follow the film.
     show_line();
 }

@@ -126,6 +126,10 @@ public:
     void set_playing(bool playing);
     /// @}
 
+    /// Puts the preview over the film's place, which is another one on a TV than on the LCD. To be called when the
+    /// player has gone from one to the other.
+    void place_preview();
+
     /// Shows @p version on the About page.
     void set_version(const QString& version);
 
@@ -176,7 +180,6 @@ private:
     void init_string_table();
     void init_widgets();
     void connect_signals();
-    void place_preview();
     bool choose_list();
     void dress_preview();
     void show_line();

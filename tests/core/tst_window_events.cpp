@@ -339,6 +339,19 @@ private slots:
         QCOMPARE(preview()->background_pixmap().toImage(), line);
     }
 
+    void open_settings_keep_the_preview_over_the_film_on_either_screen()
+    {
+        play_with_settings({{1000, 3000, "one"}}, 2000);
+        const QImage line = preview()->background_pixmap().toImage();
+        for (const QPoint place : {QPoint(13, 58), QPoint(12, 64)}) {
+            player->post(player_event::switch_screen);
+            player->settle();
+            QVERIFY(player->settings()->isVisible());
+            QCOMPARE(preview()->geometry(), QRect(place, QSize(221, 126)));
+            QCOMPARE(preview()->background_pixmap().toImage(), line);
+        }
+    }
+
     void a_change_of_the_subtitles_leaves_the_settings_in_front_on_the_tv()
     {
         player->post(player_event::switch_screen);
