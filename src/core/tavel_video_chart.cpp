@@ -38,10 +38,6 @@ constexpr Time LEAST_REPEAT_MS = 1000;
 /// The time bar while it scans in full screen.
 constexpr QPoint SCAN_BAR_PLACE(0, 262);
 
-/// The film beside the settings dialog.
-constexpr QRect LCD_PREVIEW(12, 64, 221, 126);
-constexpr QRect TV_PREVIEW(93, 162, 221, 126);
-
 /// The value of a custom event, or null.
 template<typename T> const T* data_of(const QEvent* e)
 {
@@ -1093,7 +1089,10 @@ void TavelVideo::place_settings_preview()
     media_player_->set_aspect(static_cast<int>(AspectMode::Fill));
     const bool picture_was_on = picture_plane_on_;
     set_picture_plane(false);
-    const QRect place = tv_out_ ? TV_PREVIEW.translated(0, -controls_offset_) : LCD_PREVIEW;
+    // On the TV the film's place is measured from the screen's corner, on the LCD from the dialog's.
+    QRect place = settings_->picture_rectangle();
+    if (tv_out_)
+        place.translate(DeviceScreen::instance()->desktop_geometry().topLeft() - QPoint(0, controls_offset_));
     media_player_->set_video_window(place.x(), place.y(), place.width(), place.height());
     settings_->place_preview();
     if (picture_was_on)

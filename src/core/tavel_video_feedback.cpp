@@ -25,7 +25,6 @@ constexpr const char* PROGRAM_NAME = "Tavel";
 constexpr int INFORMATION_POINTS = 14;
 constexpr int INFORMATION_TIME_MS = 5000;
 constexpr int DEFAULT_MASTER_VOLUME = 30;
-constexpr unsigned int SUBTITLE_TRACKS = 8;
 
 /// Where the subtitle stands on the LCD; indexed by SUBTITLE_STATE.
 struct SubtitleGeometry {
@@ -196,7 +195,8 @@ void TavelVideo::select_subtitles()
 {
     // Track 0 is none: as an unsigned number it is far beyond the last one.
     const unsigned int track = settings_->get_subtitle_track() - 1;
-    const std::vector<Subtitle>* const list = track < SUBTITLE_TRACKS ? media_player_->get_subtitles(track) : nullptr;
+    const std::vector<Subtitle>* const list =
+        track < most_subtitle_tracks ? media_player_->get_subtitles(track) : nullptr;
     // First, or the engine's thread could choose a line of the new list by the old shift.
     subtitle_->set_offset(settings_->get_time_adjust());
     subtitle_->set_subtitle(list);

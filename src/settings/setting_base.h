@@ -33,8 +33,8 @@ public:
     /// The pages, in the order of the tabs.
     enum class Page : int { Video = 0, Sound = 1, Subtitle = 2, Screen = 3, Playback = 4, Info = 5, About = 6 };
 
-    /// Where the film shows through, in the form's coordinates: (12, 64, 221 x 126) on the LCD; on a TV the main
-    /// window's rectangle lies a little beside that.
+    /// Where the film shows through, in the form's coordinates: (12, 64, 221 x 126) on the LCD, a little beside
+    /// that on a TV. The main window puts the film there.
     QRect picture_rectangle() const;
 
     /// Whether the page in front leaves picture_rectangle() free.

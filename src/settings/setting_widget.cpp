@@ -29,8 +29,6 @@ constexpr std::array<int, 3> preview_points{12, 10, 8};
 
 /// More tracks than any film has; a file that claims more is not believed.
 constexpr unsigned int most_tracks = 99;
-/// The engine keeps this many subtitle tracks.
-constexpr int engine_subtitle_tracks = 8;
 
 /// Fills a list with the numbers of @p total tracks; without one it is empty and disabled.
 void fill_track_list(QComboBox* combo, unsigned int total)
@@ -246,11 +244,10 @@ void SettingWidget::refresh_subtitle()
 /// @return whether it is another one than before.
 bool SettingWidget::choose_list()
 {
-    const int track = subtitle_combo_track->currentIndex();
-    const bool there_is_one =
-        player_ != nullptr && subtitle_combo_track->isEnabled() && track >= 0 && track < engine_subtitle_tracks;
-    const std::vector<Subtitle>* list =
-        there_is_one ? player_->get_subtitles(static_cast<unsigned int>(track)) : nullptr;
+    // Without a choice it is -1, as an unsigned number far beyond the last track.
+    const auto track = static_cast<unsigned int>(subtitle_combo_track->currentIndex());
+    const bool there_is_one = player_ != nullptr && subtitle_combo_track->isEnabled() && track < most_subtitle_tracks;
+    const std::vector<Subtitle>* list = there_is_one ? player_->get_subtitles(track) : nullptr;
     return std::exchange(list_, list) != list;
 }
 

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
+
+/// How many tracks of subtitles a film has at most.
+inline constexpr std::size_t most_subtitle_tracks = 8;
 
 /// One line of subtitles.
 struct Subtitle {

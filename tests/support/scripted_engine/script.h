@@ -58,7 +58,7 @@ private:
         QMap<QString, RaskStatus> results;
         QMap<QString, RaskStatus> next_results;
         QMap<QString, QMap<QString, QString>> infos;
-        std::array<Lines, 8> subtitles;
+        std::array<Lines, most_subtitle_tracks> subtitles;
         std::optional<MediaSummary> summary;
         std::optional<bool> busy;
         bool automatic = true;

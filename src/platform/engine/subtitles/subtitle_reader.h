@@ -13,9 +13,6 @@ struct SubtitleTrack {
     std::vector<Subtitle> lines; ///< sorted by start
 };
 
-/// How many tracks a film has at most.
-inline constexpr std::size_t most_subtitle_tracks = 8;
-
 /// Reads the files beside a film that carry its name and a subtitle suffix.
 ///
 /// Takes seconds where the files are large or the disk is slow; any thread but the one that draws.
