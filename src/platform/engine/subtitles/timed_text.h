@@ -17,7 +17,8 @@ struct TimedText {
 
 /// Puts lines in order for the screen: sorted by start, a start of 0 becomes 1, a missing end is the next line's start.
 ///
-/// What begins at the same time becomes one line, since the screen can show only one of them. Blank lines are left out.
-/// Texts come out in the device's code page. Any thread.
+/// Lines that overlap are laid out as lines that do not, since the screen shows one at a time; what begins at the same
+/// time and lasts until the next one becomes one line. Blank lines are left out. Texts come out in the device's code
+/// page. Any thread.
 /// @param cancelled looked at all the time: when it turns true the answer is what has been done by then.
 std::vector<Subtitle> in_order(std::vector<TimedText> lines, const std::atomic<bool>& cancelled);
