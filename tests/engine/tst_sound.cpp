@@ -3,10 +3,10 @@
 #include "sound_output.h"
 #include "test_main.h"
 
-#include <QLocalServer>
-
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <thread>
@@ -100,8 +100,13 @@ public:
 
     explicit FalseServer(Manner manner) : m_manner(manner)
     {
-        if (!m_server.listen(m_directory.filePath(QStringLiteral("sound"))))
-            qFatal("cannot listen");
+        sockaddr_un name = {};
+        name.sun_family = AF_UNIX;
+        const std::string path = m_path.toStdString();
+        path.copy(name.sun_path, sizeof name.sun_path - 1);
+        const auto* const address = reinterpret_cast<const sockaddr*>(&name);
+        if (::bind(m_entrance, address, sizeof name) != 0 || ::listen(m_entrance, SOMAXCONN) != 0)
+            qFatal("cannot listen at %s", path.c_str());
         m_thread = std::thread([this] { serve(); });
     }
     ~FalseServer()
@@ -110,15 +115,16 @@ public:
         m_thread.join();
         for (const int line : m_lines)
             ::close(line);
+        ::close(m_entrance);
     }
-    QByteArray address() const { return "unix:" + QFile::encodeName(m_server.fullServerName()); }
+    QByteArray address() const { return "unix:" + m_path; }
     int callers() const { return m_callers; }
 
 private:
     void serve()
     {
         while (!m_over) {
-            pollfd caller{static_cast<int>(m_server.socketDescriptor()), POLLIN, 0};
+            pollfd caller{m_entrance, POLLIN, 0};
             if (::poll(&caller, 1, 20) <= 0)
                 continue;
             const int line = ::accept4(caller.fd, nullptr, nullptr, SOCK_CLOEXEC);
@@ -133,8 +139,9 @@ private:
     }
 
     const Manner m_manner;
-    QTemporaryDir m_directory;
-    QLocalServer m_server;
+    const QTemporaryDir m_directory;
+    const QByteArray m_path = QFile::encodeName(m_directory.filePath(QStringLiteral("sound")));
+    const int m_entrance = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     std::atomic<bool> m_over = false;
     std::atomic<int> m_callers = 0;
     std::vector<int> m_lines; ///< the thread's own
