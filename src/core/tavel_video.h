@@ -43,9 +43,9 @@ class mainTitle;
 /// Everything belongs to the GUI thread but the four slots of the engine's reports, which store, post and return.
 ///
 /// The definitions stand in one file for each concern, in the order of this header: tavel_video.cpp (construction,
-/// tables, destructor), _assembly (panels and connections), _engine (reports), _chart (states), _input (keys, buttons,
-/// taps, and events one after the other), _messages (other programs, devices), _screen (LCD, TV, full screen),
-/// _feedback (texts and panels).
+/// tables, destructor), _assembly (panels and connections), _engine (reports), _chart (states), _chart_steps (what the
+/// states do), _input (keys, buttons, taps, and events one after the other), _messages (other programs, devices),
+/// _screen (LCD, TV, full screen), _feedback (texts and panels).
 class TavelVideo : public QWidget, public TavelHsm
 {
     Q_OBJECT
@@ -243,7 +243,7 @@ private:
     /// @{
     void go(Tran* tran, State target);
     void close_application();
-    void choose_entry(const QEvent* e);
+    void choose_entry(const player_event::EntryRequest* request);
     QString now_playing_file() const;
     void enter_no_file();
     void enter_file_parsed();
