@@ -299,6 +299,18 @@ private slots:
                  QByteArray("track\t1\n2000\t3000\tBackwards, one\n3000\t4000\tNext\n"));
     }
 
+    void a_line_that_is_over_before_the_film_begins_is_left_out()
+    {
+        const std::vector<Subtitle> lines = in_order({{-3000, -1000, QStringLiteral("Before")},
+                                                      {-500, 500, QStringLiteral("At once")},
+                                                      {2000, 3000, QStringLiteral("One")}},
+                                                     never);
+        QCOMPARE(lines.size(), std::size_t{2});
+        QCOMPARE(lines[0].text, std::string("At once"));
+        QCOMPARE(lines[0].end, 500LL);
+        QCOMPARE(lines[1].start, 2000LL);
+    }
+
     void a_cancelled_reading_ends_at_once()
     {
         const Shelf shelf({QStringLiteral("film.srt")});

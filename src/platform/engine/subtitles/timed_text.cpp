@@ -50,6 +50,10 @@ void end_lines(std::vector<TimedText>& lines)
 
 std::vector<Subtitle> in_order(std::vector<TimedText> lines, const std::atomic<bool>& cancelled)
 {
+    // Over before the film begins.
+    std::erase_if(lines, [](const TimedText& line) {
+        return line.start < 0 && line.end && *line.end <= 0 && *line.end > line.start;
+    });
     for (TimedText& line : lines) {
         line.start = std::max<long long>(line.start, 1);
         if (line.end && *line.end < line.start)
