@@ -84,9 +84,11 @@ private:
         QVERIFY(QFile::resize(device, qint64{size.width()} * size.height() * bits / 8));
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(FRAME_BUFFER_STAND_IN));
-        // The sanitizer wants to be the first library of all.
-        environment.insert(QStringLiteral("ASAN_OPTIONS"), environment.value(QStringLiteral("ASAN_OPTIONS")) +
-                                                               QStringLiteral(":verify_asan_link_order=0"));
+        // The sanitizer wants to be the first library of all. The toolkit's plugin never frees its keyboards, in stacks
+        // too short for a suppression; the program's own leaks are looked for where it runs without that plugin.
+        environment.insert(QStringLiteral("ASAN_OPTIONS"),
+                           environment.value(QStringLiteral("ASAN_OPTIONS")) +
+                               QStringLiteral(":verify_asan_link_order=0:detect_leaks=0"));
         environment.insert(QStringLiteral("TAVEL_FRAME_BUFFER"),
                            QStringLiteral("%1 %2 %3").arg(size.width()).arg(size.height()).arg(bits));
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("linuxfb:fb=") + device);
