@@ -68,6 +68,7 @@ private slots:
         plane.clear();
         const std::unique_ptr<EngineCore> core = EngineCore::create();
         QVERIFY(core);
+        core->set("vd-lavc-threads", QByteArray("1")); // as for every small film
         QVERIFY(core->command({"loadfile", QFile::encodeName(test_films::path("h264.mp4"))}));
         const auto has_begun = [&] {
             return mpv_wait_event(core->handle(), 0.1)->event_id == MPV_EVENT_PLAYBACK_RESTART;
